@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Basemap/Maker/Sources.h"
+
+#include <string>
+#include <vector>
+
+namespace veyra::basemapMaker {
+
+// All rings of a shapefile of polygons, in the file's order. Holes are told by their direction, as the format
+// prescribes: outer rings run clockwise. Throws std::runtime_error when the file cannot be read or holds no polygons.
+std::vector<PositionRing> readPolygonShapefile(const std::string& path);
+
+} // namespace veyra::basemapMaker

@@ -1,0 +1,28 @@
+#include "Classes/VeyraRectSO.h"
+
+#include "Classes/VeyraConstants.h"
+#include "Platform/Foundation/MethodBinding.h"
+
+namespace veyra {
+
+Class VeyraRectSO::classObject() {
+    static Class cls = new ClassObject("VeyraRectSO", NSObject::classObject(),
+                                       {
+                                           bindMethod<&VeyraRectSO::x>("x"),
+                                           bindMethod<&VeyraRectSO::setX>("setX:"),
+                                           bindMethod<&VeyraRectSO::y>("y"),
+                                           bindMethod<&VeyraRectSO::setY>("setY:"),
+                                           bindMethod<&VeyraRectSO::width>("width"),
+                                           bindMethod<&VeyraRectSO::setWidth>("setWidth:"),
+                                           bindMethod<&VeyraRectSO::height>("height"),
+                                           bindMethod<&VeyraRectSO::setHeight>("setHeight:"),
+                                       },
+                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript});
+    return cls;
+}
+
+std::vector<NSString> VeyraRectSO::attributeKeys() const {
+    return {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight};
+}
+
+} // namespace veyra

@@ -1,0 +1,33 @@
+// A rectangle of the map on the screen.
+// A plain value that scripts see with all its fields; not shared between threads while it is written.
+#pragma once
+
+#include "Platform/Foundation/NSObject.h"
+
+namespace veyra {
+
+class VeyraRectSO final : public NSObject {
+public:
+    VEYRA_CLASS()
+
+    /// Scripts see every key under its own name.
+    static bool isKeyExcludedFromWebScript(const char*) { return false; }
+    std::vector<NSString> attributeKeys() const override;
+
+    double x() const { return _x; } ///< points from the map's left edge
+    void setX(double x) { _x = x; }
+    double y() const { return _y; } ///< points from its top edge
+    void setY(double y) { _y = y; }
+    double width() const { return _width; } ///< points
+    void setWidth(double width) { _width = width; }
+    double height() const { return _height; } ///< points
+    void setHeight(double height) { _height = height; }
+
+private:
+    double _x = 0;
+    double _y = 0;
+    double _width = 0;
+    double _height = 0;
+};
+
+} // namespace veyra

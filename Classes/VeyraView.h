@@ -1,0 +1,227 @@
+// The plug-in view: one for each map element. It owns the map and every registry, and is the scripting object: scripts
+// reach the properties and methods that its class tables name, nothing else.
+//
+// Threads: made, laid out and freed on the main queue, where the map's callbacks arrive too. Script accessors and
+// methods run on the web thread; each takes the lock for the access to a field alone and hands changes of the map to
+// the main queue. Nothing waits. Reading a key of a script object can run arbitrary script, so the lock is never held
+// then.
+#pragma once
+
+#include "Platform/Foundation/NSDictionary.h"
+#include "Platform/Foundation/NSLock.h"
+#include "Platform/MapKit/MKMapView.h"
+#include "Platform/UIKit/UIButton.h"
+#include "Platform/UIKit/UILongPressGestureRecognizer.h"
+#include "Platform/UIKit/UIView.h"
+
+#include <atomic>
+
+namespace veyra {
+
+class VeyraRegionSO;
+class VeyraLocationCoordinateSO;
+class VeyraPointSO;
+class VeyraRectSO;
+class VeyraUserLocationSO;
+
+inline constexpr const char* VeyraCreatedNotification = "VeyraCreatedNotification";
+inline constexpr const char* VeyraDestroyedNotification = "VeyraDestroyedNotification";
+
+class VeyraView final : public UIView, public MKMapViewDelegate {
+public:
+    VEYRA_CLASS()
+
+    // Life. Main queue, but for the start.
+
+    /// Makes a view of 1 × 1 points, keeps the arguments and posts "VeyraCreatedNotification" with them.
+    static std::shared_ptr<VeyraView> plugInViewWithArguments(std::shared_ptr<const NSDictionary> arguments);
+    ~VeyraView() override;
+    /// Starts the view: puts "GeoMap" into the page that the arguments' container names, if there is one. Web thread.
+    void webPlugInInitialize();
+    /// Stops the view: posts "VeyraDestroyedNotification" and drops the arguments.
+    void webPlugInDestroy();
+    /// The view itself.
+    std::shared_ptr<VeyraView> objectForWebScript();
+    /// The view behind the nearest layer above this view's own that belongs to one; null in no layer tree.
+    std::shared_ptr<UIView> superview() const override;
+    void layoutSubviews() override;
+
+    // Switches of the host, which sets them when it hears of the view's creation.
+
+    bool clientAllowsFileURLLoading() const { return _clientAllowsFileURLLoading; }
+    void setClientAllowsFileURLLoading(bool allows) { _clientAllowsFileURLLoading = allows; }
+    bool verboseDebugLoggingEnabled() const { return _verboseDebugLoggingEnabled; }
+    void setVerboseDebugLoggingEnabled(bool enabled) { _verboseDebugLoggingEnabled = enabled; }
+    /// Device pixels a point; 0 until the host sets it.
+    double screenScale() const { return _screenScale; }
+    void setScreenScale(double scale) { _screenScale = scale; }
+    /// Not owned.
+    std::shared_ptr<NSObject> delegate() const;
+    void setDelegate(const std::shared_ptr<NSObject>& delegate);
+
+    // What scripts may use. Any thread.
+
+    /// The script names of the properties, in order.
+    static const std::vector<NSString>& scriptingKeys();
+    /// The script names of the methods by selector, in order.
+    static const std::vector<std::pair<SEL, NSString>>& scriptSelectors();
+    static std::optional<NSString> webScriptNameForKey(const char* key);
+    static bool isKeyExcludedFromWebScript(const char* key);
+    static std::optional<NSString> webScriptNameForSelector(SEL selector);
+    static bool isSelectorExcludedFromWebScript(SEL selector);
+    std::vector<NSString> attributeKeys() const override { return scriptingKeys(); }
+
+    // Listener and log. Web thread.
+
+    id listener() const { return jsListener(); }
+    void setListener(const id& listener) { setJsListener(listener); }
+    id jsListener() const;
+    void setJsListener(const id& listener);
+    /// Writes "log: " and the message's text form to the log.
+    void log(const id& message);
+
+    // Settings. Any thread.
+
+    id mapType() const { return id(internalMapType()); }
+    /// Numbers by their 32-bit integer value; anything else is the standard map. Values above 2, and below 0, are
+    /// ignored.
+    void setMapType(const id& type);
+    uint64_t internalMapType() const;
+    void setInternalMapType(uint64_t type);
+    bool zoomEnabled() const;
+    void setZoomEnabled(bool enabled);
+    bool scrollEnabled() const;
+    void setScrollEnabled(bool enabled);
+    bool longPressDropsPin() const;
+    void setLongPressDropsPin(bool drops);
+    id droppedPinIdentifier() const;
+    void setDroppedPinIdentifier(const id& identifier);
+    /// The identifier of dropped pins, not their title: pages rely on it.
+    id droppedPinTitle() const;
+    void setDroppedPinTitle(const id& title);
+
+    // Region and centre. Reads answer from the last change that the map reported; setters hand over to the main queue.
+
+    id region() const;
+    void setRegion(const id& region);
+    void setRegionAnimated(const id& region, bool animated);
+    id centerCoordinate() const;
+    void setCenterCoordinate(const id& coordinate);
+    void setCenterCoordinateAnimated(const id& coordinate, bool animated);
+
+    /// For native callers; each read and write is whole.
+    MKCoordinateRegion coordinateRegion() const;
+    MKMapRect visibleMapRect() const;
+    CGSize boundsSize() const;
+
+    // Conversions between the map and the screen, from the cached geometry; nil for a refused argument. Web thread.
+
+    id regionThatFits(const id& region);
+    id convertCoordinateToPoint(const id& coordinate);
+    id convertPointToCoordinate(const id& point);
+    id convertRegionToRect(const id& region);
+    id convertRectToRegion(const id& rect);
+
+    // User location. Web thread.
+
+    bool showsUserLocation() const;
+    /// Asks the host's web view for permission; a host that cannot be asked has denied it.
+    void setShowsUserLocation(bool shows);
+    bool userLocationVisible() const;
+    /// The last position known; all fields 0 before the first.
+    id userLocation() const;
+    /// The permission listener's refusals. Any thread.
+    void deny();
+    void denyOnlyThisRequest() { deny(); }
+    bool shouldClearCache() const { return true; }
+
+    // Annotations. Web thread.
+
+    void addAnnotation(const id& annotation);
+    void addAnnotations(const id& annotations);
+    void removeAnnotation(const id& identifier);
+    void removeAnnotations(const id& identifiers);
+    void selectAnnotationAnimated(const id& identifier, bool animated);
+    void deselectAnnotationAnimated(const id& identifier, bool animated);
+    id annotations() const;
+    id selectedAnnotations() const;
+
+    // Overlays. Web thread.
+
+    void addOverlay(const id& overlay);
+    void addOverlays(const id& overlays);
+    void removeOverlay(const id& identifier);
+    void removeOverlays(const id& identifiers);
+    void insertOverlayAtIndex(const id& overlay, const id& index);
+    void exchangeOverlayAtIndexWithOverlayAtIndex(const id& first, const id& second);
+    void insertOverlayAboveOverlay(const id& overlay, const id& sibling);
+    void insertOverlayBelowOverlay(const id& overlay, const id& sibling);
+    id overlays() const;
+
+    /// The setter of the properties that scripts can only read.
+    void ignoreAssignment(const id&) {}
+
+    // The map's callbacks. Main queue.
+
+    void mapViewWillStartLoadingMap(MKMapView& mapView) override;
+    void mapViewDidFinishLoadingMap(MKMapView& mapView) override;
+    void mapViewDidFailLoadingMapWithError(MKMapView& mapView, const std::shared_ptr<NSError>& error) override;
+    void mapViewRegionWillChangeAnimated(MKMapView& mapView, bool animated) override;
+    void mapViewRegionDidChangeAnimated(MKMapView& mapView, bool animated) override;
+
+    // For tests and hosts on the main queue.
+
+    const std::shared_ptr<MKMapView>& mapView() const { return _mapView; }
+    std::shared_ptr<const NSDictionary> pluginArguments() const;
+    const std::shared_ptr<UILongPressGestureRecognizer>& longPressGestureRecognizer() const {
+        return _longPressGestureRecognizer;
+    }
+    /// Views of the process that are not freed yet. Any thread.
+    static size_t liveViews();
+
+private:
+    friend class UIView;
+    VeyraView();
+    void initWithFrame(const CGRect& frame) override;
+
+    void sendEvent(const NSString& name, NSArray arguments = {});
+    /// The caller's name in messages: the script name of the selector; nil for one that scripts do not call by name.
+    static id callerName(SEL selector);
+    void setRegionFrom(const id& region, SEL selector,
+                       const std::function<void(MKMapView&, const MKCoordinateRegion&)>&);
+    void setCenterFrom(const id& coordinate, SEL selector,
+                       const std::function<void(MKMapView&, CLLocationCoordinate2D)>&);
+    void updateLongPressGestureRecognizer(bool drops);
+    /// Runs the block with the map on the main queue; the view lives until then.
+    void onMap(std::function<void(MKMapView&)> change);
+    void logVerbose(const char* format, const id& argument) const;
+
+    // Set once at creation.
+    std::shared_ptr<MKMapView> _mapView;
+    std::shared_ptr<UIButton> _infoLightButton;
+    std::shared_ptr<UIButton> _detailDisclosureButton;
+    // Set by the host.
+    std::atomic<bool> _clientAllowsFileURLLoading{false};
+    std::atomic<bool> _verboseDebugLoggingEnabled{false};
+    std::atomic<double> _screenScale{0};
+    // Main queue.
+    std::shared_ptr<UILongPressGestureRecognizer> _longPressGestureRecognizer;
+
+    mutable NSLock _lock;
+    std::weak_ptr<NSObject> _delegate VEYRA_GUARDED_BY(_lock);
+    std::shared_ptr<const NSDictionary> _pluginArguments VEYRA_GUARDED_BY(_lock);
+    id _jsListener VEYRA_GUARDED_BY(_lock);
+    MKCoordinateRegion _region VEYRA_GUARDED_BY(_lock){};
+    MKMapRect _visibleMapRect VEYRA_GUARDED_BY(_lock){};
+    CGSize _boundsSize VEYRA_GUARDED_BY(_lock){};
+    bool _showsUserLocation VEYRA_GUARDED_BY(_lock) = false;
+    bool _userLocationVisible VEYRA_GUARDED_BY(_lock) = false;
+    uint64_t _mapType VEYRA_GUARDED_BY(_lock) = 0;
+    bool _zoomEnabled VEYRA_GUARDED_BY(_lock) = true;
+    bool _scrollEnabled VEYRA_GUARDED_BY(_lock) = true;
+    bool _longPressDropsPin VEYRA_GUARDED_BY(_lock) = false;
+    id _droppedPinTitle VEYRA_GUARDED_BY(_lock);
+    id _droppedPinIdentifier VEYRA_GUARDED_BY(_lock);
+};
+
+} // namespace veyra

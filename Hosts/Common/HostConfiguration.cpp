@@ -1,0 +1,31 @@
+#include "Hosts/Common/HostConfiguration.h"
+
+#include "Classes/VeyraView.h"
+#include "Platform/Foundation/NSNotificationCenter.h"
+#include "Platform/WebKit/WebPlugInContainer.h"
+
+namespace veyra {
+
+namespace {
+
+bool isFileURL(const id& url) {
+    const std::string text = url.string() ? url.string()->utf8() : std::string();
+    return text.size() >= 5 && g_ascii_strncasecmp(text.c_str(), "file:", 5) == 0;
+}
+
+} // namespace
+
+void configureCreatedViews(const HostConfiguration& configuration) {
+    NSNotificationCenter::defaultCenter().addObserver(
+        VeyraCreatedNotification, [configuration](const NSNotification& notification) {
+            const auto view = std::dynamic_pointer_cast<VeyraView>(notification.object);
+            if (!view || !notification.userInfo)
+                return;
+            view->setDelegate(configuration.viewDelegate);
+            view->setScreenScale(notification.userInfo->objectForKey(VeyraScreenScaleKey).doubleValue());
+            view->setClientAllowsFileURLLoading(isFileURL(notification.userInfo->objectForKey(WebPlugInBaseURLKey)));
+            view->setVerboseDebugLoggingEnabled(configuration.verboseDebugLogging);
+        });
+}
+
+} // namespace veyra

@@ -1,0 +1,59 @@
+// Brings a map's frames from its window to its canvas. The window says that it needs a frame; the frame is drawn on the main
+// queue into one of two pixel arrays, at most one drawing an animation frame of the page, while the page may be putting
+// the other on the canvas; the next animation frame puts what is drawn. While nothing changes, nothing is requested.
+//
+// Web thread only. Owned by its MapElement; drawings on their way keep what they need.
+#pragma once
+
+#include "Hosts/WebExtension/SurfaceScript.h"
+
+namespace veyra {
+
+class FramePresenter : public std::enable_shared_from_this<FramePresenter> {
+public:
+    /// `settled` is called each time the presenter or the window may have come to rest.
+    FramePresenter(std::shared_ptr<UIWindow> window, JSGlobalContextRef context, JSObjectRef surface,
+                   std::function<void()> settled);
+
+    /// Begins to listen to the window.
+    void start();
+    /// No frame is asked for or put from now on.
+    void stop();
+
+    /// The size in points, the device pixels a point, and whether anybody can see the map.
+    void layOut(CGSize size, double scale, bool isVisible);
+    /// The page is hidden, and may be collected: its script is not called until the next layout that is visible.
+    void suspend();
+
+    /// What the animation frame that was asked for must put: the array's index, then x, y, width, height of each
+    /// rectangle in device pixels; empty when there is nothing.
+    std::vector<int> animationFrame();
+
+    /// True when no frame is wanted, being drawn or waiting to be put; also when nobody can see the map.
+    bool isSettled() const;
+    SurfaceScript& surface() { return _surface; }
+
+private:
+    struct Drawing;
+    bool isShown() const { return _surface.isAttached() && _isVisible && !_size.isEmpty(); }
+    void frameWanted();
+    void advance();
+    void startDrawing();
+    void finishDrawing(const Drawing& drawing);
+
+    const std::shared_ptr<UIWindow> _window; // main queue only
+    const std::function<void()> _settled;
+    SurfaceScript _surface;
+    std::shared_ptr<PixelBuffers> _buffers; // main queue only
+    CGSize _size;
+    double _scale = 1;
+    bool _isVisible = false;
+    bool _isWanted = false;
+    bool _isDrawing = false;
+    bool _isFrameRequested = false;
+    bool _hadFrameSinceDrawing = true; // one drawing an animation frame
+    int _readyIndex = -1;              // the array that waits to be put, or -1
+    DamageList _readyRects;
+};
+
+} // namespace veyra

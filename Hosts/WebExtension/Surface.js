@@ -1,0 +1,324 @@
+// Finds the maps of one document, gives each a canvas that the page cannot reach, and reports what happens to them to the
+// native side, `host`. Runs in the isolated world of a frame: nothing here is visible to the page, and nothing that the
+// page does to its own objects reaches here. `attachInput` comes from SurfaceInput.js.
+(function (host, attachInput) {
+    'use strict';
+
+    const mapType = 'application/x-veyra-map';
+    const htmlNamespace = 'http://www.w3.org/1999/xhtml';
+    const registryKey = Symbol.for('veyra');
+
+    // An <object> that shows its fallback content is an ordinary inline element. This makes it what other embedded content
+    // is, and any rule of the page is stronger. The words of `type` are compared so that white space around it does not count.
+    const documentRules = `
+        :where(object[type~="${mapType}" i]) { display: inline-block; position: relative; overflow: hidden; }
+        :where(object[type~="${mapType}" i]:not([width])) { width: 300px; }
+        :where(object[type~="${mapType}" i]:not([height])) { height: 150px; }`;
+    const surfaceRules = `
+        :host { display: block !important; position: absolute !important; inset: 0 !important; margin: 0 !important;
+                width: auto !important; height: auto !important; overflow: hidden !important; }
+        canvas { display: block; position: absolute; left: 0; top: 0; outline: none;
+                 -webkit-user-select: none; user-select: none; -webkit-user-drag: none; }
+        canvas:focus-visible { outline: 2px solid Highlight; outline-offset: -2px; }`;
+
+    const isShown = () => document.visibilityState === 'visible' && innerWidth > 0 && innerHeight > 0;
+    const maps = new Map(); // by element
+    const unparsed = new Set(); // elements whose parameters the parser may still add
+    let hidden = false;
+
+    const sheets = new WeakMap(); // documents to the rules for their maps
+    function adoptRules(element) {
+        const root = element.getRootNode();
+        let sheet = sheets.get(document);
+        if (!sheet) {
+            sheet = new CSSStyleSheet();
+            sheet.replaceSync(documentRules);
+            sheets.set(document, sheet);
+        }
+        if (!root.adoptedStyleSheets.includes(sheet))
+            root.adoptedStyleSheets = [...root.adoptedStyleSheets, sheet];
+    }
+
+    function isMap(element) {
+        return element.localName === 'object' && element.namespaceURI === htmlNamespace &&
+            (element.getAttribute('type') ?? '').trim().toLowerCase() === mapType;
+    }
+
+    function isLive(element) {
+        return element.isConnected && element.ownerDocument.defaultView === window && isMap(element);
+    }
+
+    // Attributes and parameters by name in lower case; a parameter is stronger than an attribute of its name.
+    function argumentsOf(element) {
+        const found = new Map();
+        for (const attribute of element.attributes)
+            found.set(attribute.name.toLowerCase(), attribute.value);
+        for (const child of element.children) {
+            if (child.localName === 'param' && child.hasAttribute('name'))
+                found.set(child.getAttribute('name').toLowerCase(), child.getAttribute('value') ?? '');
+        }
+        return [...found].flat();
+    }
+
+    const resizes = new ResizeObserver((entries) => {
+        for (const entry of entries)
+            surfaces.get(entry.target)?.resized(entry.contentRect);
+    });
+    // Somewhat more than the visible part, so that a map which scrolls into view is there already.
+    const intersections = new IntersectionObserver((entries) => {
+        for (const entry of entries)
+            surfaces.get(entry.target)?.intersected(entry.isIntersecting);
+    }, { rootMargin: '50%' });
+    const surfaces = new WeakMap(); // surface elements to maps
+
+    class MapSurface {
+        constructor(element) {
+            this.element = element;
+            this.handle = null; // the native side, given by host.start
+            this.rect = null; // until the first measurement
+            this.intersecting = null; // likewise
+            this.placing = false;
+            this.images = null;
+            this.scale = 1;
+            this.animate = () => {
+                const changes = host.animationFrame(this.handle);
+                if (changes)
+                    this.put(changes);
+            };
+
+            this.canvas = document.createElement('canvas');
+            this.canvas.width = this.canvas.height = 0;
+            this.canvas.tabIndex = 0;
+            this.context = this.canvas.getContext('2d', { alpha: false, willReadFrequently: true });
+
+            this.surface = document.createElement('veyra-surface');
+            const root = this.surface.attachShadow({ mode: 'closed' });
+            const sheet = new CSSStyleSheet();
+            sheet.replaceSync(surfaceRules);
+            root.adoptedStyleSheets = [sheet];
+            root.append(this.canvas);
+            surfaces.set(this.surface, this);
+            attachInput(this);
+        }
+
+        // Puts the surface where it belongs: the page may have emptied the element, or a copy of another map's content, with
+        // a dead surface in it, may have come with it. The rules go when the page assigns adoptedStyleSheets.
+        restore() {
+            adoptRules(this.element);
+            for (const child of [...this.element.children]) {
+                if (child.localName === 'veyra-surface' && child !== this.surface)
+                    child.remove();
+            }
+            if (this.surface.parentNode !== this.element) {
+                this.placing = true;
+                this.element.prepend(this.surface);
+                this.placing = false;
+            }
+        }
+
+        observe() {
+            resizes.observe(this.surface);
+            intersections.observe(this.surface);
+        }
+
+        unobserve() {
+            resizes.unobserve(this.surface);
+            intersections.unobserve(this.surface);
+        }
+
+        resized(rect) {
+            adoptRules(this.element);
+            this.rect = rect;
+            this.report();
+        }
+
+        intersected(intersecting) {
+            this.intersecting = intersecting;
+            this.report();
+        }
+
+        isMeasured() {
+            return this.rect !== null && this.intersecting !== null;
+        }
+
+        report() {
+            if (this.isMeasured())
+                host.layOut(this.handle, this.rect.width, this.rect.height, devicePixelRatio,
+                    this.intersecting && !hidden && isShown());
+        }
+
+        requestFrame() {
+            requestAnimationFrame(this.animate);
+        }
+
+        // Called by the native side: makes the two images of that size in device pixels; null when there is no memory.
+        allocate(width, height, scale) {
+            try {
+                this.images = [new ImageData(width, height), new ImageData(width, height)];
+            } catch {
+                this.images = null;
+                return null;
+            }
+            this.scale = scale;
+            return this.images.map((image) => image.data);
+        }
+
+        // `changes` is the image's index, then x, y, width and height of each rectangle.
+        put(changes) {
+            const image = this.images[changes[0]];
+            if (this.canvas.width !== image.width || this.canvas.height !== image.height) {
+                this.canvas.width = image.width;
+                this.canvas.height = image.height;
+            }
+            this.canvas.style.width = image.width / this.scale + 'px';
+            this.canvas.style.height = image.height / this.scale + 'px';
+            for (let i = 1; i < changes.length; i += 4)
+                this.context.putImageData(image, 0, 0, changes[i], changes[i + 1], changes[i + 2], changes[i + 3]);
+        }
+    }
+
+    // The native side of the element's map, made if need be; null when the element is no map or in no document. Asks the
+    // frame of the element's document: an element keeps the script prototype of the document that it was made in.
+    function find(element) {
+        const home = element.ownerDocument.defaultView;
+        if (home && home !== window)
+            return home[registryKey]?.find(element) ?? null;
+        const known = maps.get(element);
+        if (known && isLive(element))
+            return known.handle;
+        if (known)
+            stop(known);
+        return isLive(element) ? start(element) : null;
+    }
+
+    function start(element) {
+        unparsed.delete(element);
+        const map = new MapSurface(element);
+        map.handle = host.start(map, argumentsOf(element), document.baseURI, devicePixelRatio);
+        if (!map.handle)
+            return null;
+        maps.set(element, map);
+        map.restore();
+        map.observe();
+        return map.handle;
+    }
+
+    function stop(map) {
+        maps.delete(map.element);
+        map.unobserve();
+        host.stop(map.handle);
+        map.images = null;
+        map.surface.remove();
+    }
+
+    // Called at once when a surface has left its document or was moved.
+    function disconnected(surface) {
+        const map = surfaces.get(surface);
+        if (!map || map.placing || maps.get(map.element) !== map)
+            return;
+        const emptied = map.surface.parentNode !== map.element && isLive(map.element);
+        if (!emptied)
+            stop(map); // an element that was moved gets a new map from the observer, or when it is touched
+    }
+
+    function isParsed(element) {
+        if (document.readyState !== 'loading')
+            return true;
+        for (let node = element; node; node = node.parentNode) {
+            if (node.nextSibling)
+                return true;
+        }
+        return false;
+    }
+
+    function consider(element) {
+        if (maps.has(element) || !isLive(element))
+            return;
+        if (isParsed(element))
+            start(element);
+        else
+            unparsed.add(element);
+    }
+
+    function considerTree(node) {
+        if (node.localName === 'object')
+            consider(node);
+        if (node.firstElementChild)
+            node.querySelectorAll('object').forEach(consider);
+    }
+
+    function considerUnparsed() {
+        unparsed.forEach(consider);
+    }
+
+    const mutations = new MutationObserver((records) => {
+        for (const map of [...maps.values()]) {
+            if (!isLive(map.element))
+                stop(map);
+        }
+        for (const record of records) {
+            if (record.target === document)
+                listen(); // document.open takes all listeners away
+            if (record.type === 'attributes')
+                consider(record.target);
+            maps.get(record.target)?.restore();
+            record.addedNodes.forEach(considerTree);
+        }
+        considerUnparsed();
+    });
+
+    function reportAll() {
+        for (const map of maps.values())
+            map.report();
+    }
+
+    function onPageHide(event) {
+        hidden = true;
+        reportAll();
+        host.pageHidden(event.persisted);
+    }
+
+    function onPageShow() {
+        if (!hidden)
+            return;
+        hidden = false;
+        host.pageShown();
+        reportAll();
+    }
+
+    let resolution = null;
+    function onResolution() {
+        resolution = matchMedia(`(resolution: ${devicePixelRatio}dppx)`);
+        resolution.addEventListener('change', onResolution, { once: true });
+        reportAll();
+    }
+
+    function listen() {
+        addEventListener('pagehide', onPageHide, true);
+        addEventListener('pageshow', onPageShow, true);
+        addEventListener('load', host.progress);
+        document.addEventListener('DOMContentLoaded', considerUnparsed);
+        document.addEventListener('visibilitychange', reportAll);
+    }
+
+    // The window has a document that it did not have before.
+    function documentChanged() {
+        for (const map of [...maps.values()])
+            stop(map);
+        mutations.disconnect();
+        mutations.observe(document, { childList: true, subtree: true, attributes: true, attributeFilter: ['type'] });
+        listen();
+        considerTree(document);
+    }
+
+    // Nothing is on its way any more but what the native side knows of. A document that is not shown measures nothing.
+    function isSettled() {
+        return document.readyState === 'complete' && unparsed.size === 0 &&
+            (!isShown() || [...maps.values()].every((map) => map.isMeasured()));
+    }
+
+    onResolution();
+    documentChanged();
+    window[registryKey] = { find };
+    return { find, disconnected, documentChanged, isSettled };
+})

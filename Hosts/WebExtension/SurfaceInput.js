@@ -1,0 +1,116 @@
+// Hands the input that a map's canvas receives to the map, and leaves to the page what the map does not use. Runs in the
+// isolated world of a frame; `host` is the native side. Locations are the canvas' own points, whatever transforms apply.
+(function (host) {
+    'use strict';
+
+    // Bits of host.inputPolicy, as MapInput.cpp has them.
+    const usesDrags = 1, usesScrolls = 2, usesPinches = 4, usesPanKeys = 8, usesZoomKeys = 16;
+    // Phases and types of touches, as UIEvent.h has them.
+    const began = 0, moved = 1, ended = 2, cancelled = 3;
+    const direct = 0, pencil = 1, indirectPointer = 2;
+
+    const panKeys = new Set(['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown', 'Home']);
+    const zoomKeys = new Set(['+', '-', '=']);
+    // Pointers and fingers number themselves apart; a view sees one space of numbers.
+    const firstFinger = 1 << 16;
+    // The engine follows a touch with a mouse press and release at the same place, prevented or not.
+    const emulationTime = 1000, emulationDistance = 32;
+    const pointsInLine = 40;
+
+    function age(event) {
+        return Math.max(0, performance.now() - event.timeStamp);
+    }
+
+    return function attach(map) {
+        const canvas = map.canvas;
+        const pressed = new Set();
+        let lastTouch = null;
+
+        const uses = (bits) => (host.inputPolicy(map.handle) & bits) !== 0;
+        const local = (at) => webkitConvertPointFromPageToNode(canvas, new WebKitPoint(at.pageX, at.pageY));
+
+        function send(identifier, type, phase, at, event) {
+            const point = local(at);
+            host.touch(map.handle, identifier, type, phase, point.x, point.y, age(event));
+        }
+
+        function isEmulated(event) {
+            return lastTouch !== null && event.timeStamp - lastTouch.time < emulationTime &&
+                Math.abs(event.clientX - lastTouch.x) < emulationDistance &&
+                Math.abs(event.clientY - lastTouch.y) < emulationDistance;
+        }
+
+        function pointerType(event) {
+            return event.pointerType === 'pen' ? pencil : indirectPointer;
+        }
+
+        function onPointerDown(event) {
+            if (event.pointerType === 'touch' || event.button !== 0 || isEmulated(event))
+                return;
+            canvas.focus({ preventScroll: true });
+            canvas.setPointerCapture(event.pointerId);
+            pressed.add(event.pointerId);
+            send(event.pointerId, pointerType(event), began, event, event);
+        }
+
+        function onPointerMove(event) {
+            if (pressed.has(event.pointerId))
+                send(event.pointerId, pointerType(event), moved, event, event);
+        }
+
+        function onPointerEnd(event) {
+            if (event.type === 'pointerup' && event.button !== 0)
+                return;
+            if (pressed.delete(event.pointerId))
+                send(event.pointerId, pointerType(event), event.type === 'pointerup' ? ended : cancelled, event, event);
+        }
+
+        // A press on the map selects no text of the page and starts no drag of its own.
+        function onMouseDown(event) {
+            if (event.button === 0 && uses(usesDrags))
+                event.preventDefault();
+        }
+
+        const phases = { touchstart: began, touchmove: moved, touchend: ended, touchcancel: cancelled };
+
+        function onTouch(event) {
+            if (event.type === 'touchstart')
+                canvas.focus({ preventScroll: true });
+            for (const touch of event.changedTouches) {
+                send(firstFinger + touch.identifier, direct, phases[event.type], touch, event);
+                lastTouch = { time: event.timeStamp, x: touch.clientX, y: touch.clientY };
+            }
+            if (event.cancelable && uses(event.targetTouches.length > 1 ? usesDrags | usesPinches : usesDrags))
+                event.preventDefault();
+        }
+
+        function onWheel(event) {
+            if (!uses(usesScrolls))
+                return;
+            const unit = [1, pointsInLine, canvas.clientHeight][event.deltaMode];
+            const point = local(event);
+            host.scroll(map.handle, point.x, point.y, event.deltaX * unit, event.deltaY * unit, event.ctrlKey, age(event));
+            event.preventDefault();
+        }
+
+        function onKeyDown(event) {
+            if (event.isComposing)
+                return;
+            host.key(map.handle, event.key, event.shiftKey, event.ctrlKey, event.altKey, event.metaKey, age(event));
+            if (event.ctrlKey || event.altKey || event.metaKey)
+                return;
+            if (panKeys.has(event.key) ? uses(usesPanKeys) : zoomKeys.has(event.key) && uses(usesZoomKeys))
+                event.preventDefault();
+        }
+
+        canvas.addEventListener('pointerdown', onPointerDown);
+        canvas.addEventListener('pointermove', onPointerMove);
+        for (const type of ['pointerup', 'pointercancel', 'lostpointercapture'])
+            canvas.addEventListener(type, onPointerEnd);
+        canvas.addEventListener('mousedown', onMouseDown);
+        for (const type of Object.keys(phases))
+            canvas.addEventListener(type, onTouch, { passive: false });
+        canvas.addEventListener('wheel', onWheel, { passive: false });
+        canvas.addEventListener('keydown', onKeyDown);
+    };
+})

@@ -1,0 +1,59 @@
+// Life cycle and properties of the map view.
+#include "Platform/MapKit/MKMapView.h"
+
+#include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKMotion.h"
+#include "Platform/MapKit/MKTileLayer.h"
+#include "Platform/UIKit/UIPanGestureRecognizer.h"
+#include "Platform/UIKit/UIPinchGestureRecognizer.h"
+
+namespace veyra {
+
+Class MKMapView::classObject() {
+    static auto* const cls = new ClassObject("MKMapView", UIView::classObject(), {});
+    return cls;
+}
+
+MKMapView::MKMapView()
+    : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
+      _motionTimer(std::make_unique<DispatchTimer>()) {}
+
+MKMapView::~MKMapView() = default;
+
+void MKMapView::initWithFrame(const CGRect& frame) {
+    UIView::initWithFrame(frame);
+    _tiles = std::make_unique<MKTileLayer>(
+        MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
+        [this](const std::string& reason) { tileFailed(reason); });
+    addRecognizers();
+}
+
+void MKMapView::setMapType(MKMapType mapType) {
+    if (_mapType != mapType) {
+        _mapType = mapType;
+        setNeedsDisplay();
+    }
+}
+
+void MKMapView::setZoomEnabled(bool enabled) {
+    _zoomEnabled = enabled;
+    _pinchRecognizer->setEnabled(enabled);
+    for (const auto& recognizer : _zoomTapRecognizers) {
+        recognizer->setEnabled(enabled);
+    }
+    publishInputPolicy();
+}
+
+void MKMapView::setScrollEnabled(bool enabled) {
+    _scrollEnabled = enabled;
+    _panRecognizer->setEnabled(enabled);
+    publishInputPolicy();
+}
+
+void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
+    _tiles->setSource(source);
+    setNeedsDisplay();
+}
+
+} // namespace veyra

@@ -1,0 +1,145 @@
+// The map: shows a part of the world in its bounds, lets the user move it, and reports to a delegate. Main queue only; the
+// superview owns it, the map owns its picture of the world (MKTileLayer), its movement and its recognisers.
+//
+// A new map shows the whole world. Until its first layout at a size other than the 1 x 1 of its creation it sends and draws
+// nothing; what is set before is shown from then on. That first layout, and each later change of size (which keeps centre
+// and scale), sends one pair of region callbacks from the map's own layout, which follows its superview's.
+#pragma once
+
+#include "Platform/MapKit/MKCamera.h"
+#include "Platform/MapKit/MKMapType.h"
+#include "Platform/MapKit/MKMapViewDelegate.h"
+#include "Platform/UIKit/UIEvent.h"
+#include "Platform/UIKit/UIView.h"
+
+#include <string>
+#include <vector>
+
+namespace veyra {
+
+class DispatchTimer;
+class MKMotion;
+class MKTileLayer;
+class MKTileSource;
+class UIPanGestureRecognizer;
+class UIPinchGestureRecognizer;
+
+class MKMapView : public UIView {
+public:
+    VEYRA_CLASS()
+    ~MKMapView() override;
+
+    std::shared_ptr<MKMapViewDelegate> delegate() const { return _delegate.lock(); }
+    void setDelegate(const std::shared_ptr<MKMapViewDelegate>& delegate) { _delegate = delegate; }
+
+    /// What the map shows. Before the first layout: what it will be asked to show then.
+    MKCoordinateRegion region() const;
+    MKMapRect visibleMapRect() const;
+    CLLocationCoordinate2D centerCoordinate() const;
+
+    /// Shows a region: the centre is kept, the whole region is visible, the span that is too small for the view is widened,
+    /// within the limits of zoom and of the square. A region with a value that is not finite is logged and ignored.
+    void setRegion(const MKCoordinateRegion& region) { setRegionAnimated(region, false); }
+    void setRegionAnimated(const MKCoordinateRegion& region, bool animated);
+    /// Moves the map at its scale. A coordinate that is not finite is logged and ignored.
+    void setCenterCoordinate(CLLocationCoordinate2D coordinate) { setCenterCoordinateAnimated(coordinate, false); }
+    void setCenterCoordinateAnimated(CLLocationCoordinate2D coordinate, bool animated);
+
+    /// The region that a map of that type and size would show when asked for `region`; `region` itself for an empty size or
+    /// a value that is not finite. Any thread.
+    static MKCoordinateRegion regionThatFitsMapTypeViewSizeRegion(MKMapType mapType, CGSize viewSize,
+                                                                  const MKCoordinateRegion& region);
+
+    MKMapType mapType() const { return _mapType; }
+    void setMapType(MKMapType mapType);
+
+    /// Whether the user may change the scale, and move the map. Requests are not affected.
+    bool isZoomEnabled() const { return _zoomEnabled; }
+    void setZoomEnabled(bool enabled);
+    bool isScrollEnabled() const { return _scrollEnabled; }
+    void setScrollEnabled(bool enabled);
+
+    /// True when the user's position is in the visible area.
+    bool isUserLocationVisible() const { return false; }
+
+    /// Where the map's picture comes from; at first the built-in world. Not null.
+    void setTileSource(const std::shared_ptr<const MKTileSource>& source);
+
+    void layoutSubviews() override;
+    bool isOpaque() const override { return true; }
+    void drawRect(const UIGraphicsContext& context) override;
+    bool stepAnimations(double timestamp) override;
+    bool isIdle() const override;
+    bool handleScroll(const UIScrollEvent& event) override;
+    bool handleKey(const UIKeyEvent& event) override;
+
+protected:
+    friend class UIView;
+    MKMapView();
+    void initWithFrame(const CGRect& frame) override;
+
+private:
+    // Changes of the camera: MKMapView+Region.cpp
+    bool hasLayout() const { return !_viewSize.isEmpty(); }
+    void layOutAt(CGSize size);
+    void changeTo(const MKCamera& target, bool animated, double duration);
+    /// Starts a change with its will-change; what was under way ends first. False when the delegate began another one.
+    bool beginChange(bool animated);
+    /// Ends the change under way, if any, where it is.
+    void endChange();
+    /// Ends the change under way, if any, where its movement leads.
+    void finishChange();
+    void startMotion(std::unique_ptr<MKMotion> motion);
+    void moveCamera(const MKCamera& camera);
+    bool canAnimate() const;
+
+    // Gestures: MKMapView+Gestures.cpp
+    void addRecognizers();
+    void publishInputPolicy();
+    void handlePan(UIPanGestureRecognizer& pan);
+    void handlePinch(UIPinchGestureRecognizer& pinch);
+    void handleZoomTap(const UIGestureRecognizer& tap, double factor);
+    bool beginFingerChange();
+    void endFingerChange(CGPoint velocity);
+    bool zoomByKey(double factor);
+    bool panByKey(double directionX, double directionY);
+    bool showWorldByKey();
+    /// Where the map is, or, while a key's animation runs, where that leads: keys in a row add up.
+    MKCamera cameraForKeys() const;
+    void changeByKey(const MKCamera& target);
+
+    // Drawing and loading: MKMapView+Drawing.cpp
+    void tilesArrivedIn(const CGRect& area);
+    void tileFailed(const std::string& reason);
+    void reportLoading();
+
+    std::weak_ptr<MKMapViewDelegate> _delegate;
+    MKMapType _mapType = MKMapTypeStandard;
+    bool _zoomEnabled = true;
+    bool _scrollEnabled = true;
+
+    MKCamera _camera;
+    CGSize _viewSize; // what the map is shown at; empty before the first layout
+    CGSize _lastSize; // of the last layout, whether the map could be shown at it or not
+    MKCoordinateRegion _regionBeforeLayout;
+
+    // The change under way, between will-change and did-change; at most one.
+    bool _changing = false;
+    bool _changeAnimated = false;
+    bool _changedByFingers = false;
+    bool _changedByKey = false;
+    unsigned _changeSerial = 0;
+    std::unique_ptr<MKMotion> _motion;
+    std::unique_ptr<DispatchTimer> _motionTimer;
+
+    std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
+    std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
+    std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
+
+    std::unique_ptr<MKTileLayer> _tiles;
+    enum class Loading { Nothing, Tiles, Failed };
+    Loading _loading = Loading::Nothing; // what the delegate was last told
+    unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate
+};
+
+} // namespace veyra

@@ -1,0 +1,85 @@
+// Tiles: squares of 512 device pixels that a picture of the world is drawn in. The world at a scale is laid out in tiles from
+// its north-west corner; the last column and row reach past the square. Keys are plain values; a tile is immutable and shared.
+#pragma once
+
+#include "Platform/MapKit/MKMapType.h"
+
+#include <cairo.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace veyra {
+
+/// A colour without transparency, 0x00RRGGBB as in a Cairo RGB24 surface.
+using MKTileColor = uint32_t;
+
+struct MKTileKey {
+    static constexpr int side = 512; ///< device pixels
+
+    uint64_t source = 0; ///< MKTileSource::identifier
+    MKMapType mapType = MKMapTypeStandard;
+    double scale = 0;       ///< device pixels a map point, exact: pictures of other scales are other tiles
+    double deviceScale = 1; ///< device pixels a point, for the widths of lines
+    int32_t column = 0, row = 0;
+    friend bool operator==(const MKTileKey&, const MKTileKey&) = default;
+
+    /// The side in map points.
+    double mapSide() const { return side / scale; }
+};
+
+/// A drawn tile: one colour, or a picture of MKTileKey::side pixels square.
+class MKTile {
+public:
+    /// Takes over the surface (RGB24).
+    MKTile(const MKTileKey& key, cairo_surface_t* surface) : _key(key), _surface(surface) {}
+    MKTile(const MKTileKey& key, MKTileColor color) : _key(key), _surface(nullptr), _color(color) {}
+    MKTile(const MKTile&) = delete;
+    MKTile& operator=(const MKTile&) = delete;
+    ~MKTile() { cairo_surface_destroy(_surface); }
+
+    const MKTileKey& key() const { return _key; }
+    /// Null for a tile of one colour.
+    cairo_surface_t* surface() const { return _surface; }
+    MKTileColor color() const { return _color; }
+    size_t byteSize() const { return sizeof(MKTile) + (_surface ? size_t{4} * MKTileKey::side * MKTileKey::side : 0); }
+
+private:
+    const MKTileKey _key;
+    cairo_surface_t* const _surface;
+    const MKTileColor _color = 0;
+};
+
+/// Draws tiles. Any thread, several at once; outlives the maps that use it by shared ownership.
+class MKTileSource {
+public:
+    MKTileSource();
+    MKTileSource(const MKTileSource&) = delete;
+    MKTileSource& operator=(const MKTileSource&) = delete;
+    virtual ~MKTileSource() = default;
+
+    /// Throws an exception derived from std::exception when the tile cannot be had.
+    virtual std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const = 0;
+    /// The colour of a place before anything of it is drawn.
+    virtual MKTileColor backgroundColor(MKMapType mapType) const = 0;
+    /// Unique in the process and never used again.
+    uint64_t identifier() const { return _identifier; }
+
+private:
+    const uint64_t _identifier;
+};
+
+} // namespace veyra
+
+template <>
+struct std::hash<veyra::MKTileKey> {
+    size_t operator()(const veyra::MKTileKey& key) const noexcept {
+        size_t value = std::hash<uint64_t>()(key.source) * 31 + key.mapType;
+        value = value * 1000003 + std::hash<double>()(key.scale);
+        value = value * 1000003 + std::hash<double>()(key.deviceScale);
+        value = value * 1000003 + static_cast<uint32_t>(key.column);
+        return value * 1000003 + static_cast<uint32_t>(key.row);
+    }
+};

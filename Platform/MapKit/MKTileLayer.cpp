@@ -1,0 +1,190 @@
+// Which tiles a view needs, asks for and keeps.
+#include "Platform/MapKit/MKTileLayer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+// What is asked for first: what is seen, then the overview behind it, where a movement leads, and what lies around.
+constexpr double rankVisible = 0;
+constexpr double rankOverview = 1e6;
+constexpr double rankDestination = 2e6;
+constexpr double rankMargin = 3e6;
+
+// Device pixels around the view for which tiles are got ahead.
+constexpr int margin = MKTileKey::side / 2;
+// The overview: the whole world so many pixels wide.
+constexpr double overviewScale = 1024 / MKWorldSide;
+
+PixelRect wholeOf(const MKPixelView& view) {
+    return {0, 0, view.width, view.height};
+}
+
+PixelRect withMargin(const MKPixelView& view) {
+    return {-margin, -margin, view.width + 2 * margin, view.height + 2 * margin};
+}
+
+} // namespace
+
+MKTileLayer::MKTileLayer(std::shared_ptr<const MKTileSource> source, std::function<void(const CGRect&)> arrived,
+                         std::function<void(const std::string&)> failed)
+    : _source(std::move(source)), _arrived(std::move(arrived)), _failedCallback(std::move(failed)) {}
+
+MKTileLayer::~MKTileLayer() {
+    if (_scene) {
+        MKTileLoader::shared().removeClient(this);
+    }
+}
+
+void MKTileLayer::setSource(std::shared_ptr<const MKTileSource> source) {
+    _source = std::move(source);
+    _failed.clear();
+}
+
+MKTileKey MKTileLayer::keyFor(double scale, int32_t column, int32_t row) const {
+    return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row};
+}
+
+double MKTileLayer::neededScale() const {
+    return _scene->scaleIsChanging ? std::exp2(std::round(2 * std::log2(_view.scale)) / 2) : _view.scale;
+}
+
+void MKTileLayer::setScene(const MKTileScene& scene) {
+    _scene = scene;
+    _view = MKPixelView(scene.camera, scene.viewSize, scene.deviceScale);
+    _wanted.clear();
+    _failedInScene = false;
+    _missing = want(neededScale(), _view, wholeOf(_view), rankVisible);
+    wantOverview();
+    if (scene.destination) {
+        const MKPixelView view(*scene.destination, scene.viewSize, scene.deviceScale);
+        want(view.scale, view, wholeOf(view), rankDestination);
+    } else if (!scene.scaleIsChanging) {
+        want(_view.scale, _view, withMargin(_view), rankMargin);
+    }
+    forgetUseless();
+    MKTileLoader::shared().setWantedTiles(this, _source, _wanted);
+}
+
+size_t MKTileLayer::want(double scale, const MKPixelView& view, const PixelRect& area, double rank) {
+    size_t missing = 0;
+    for (const MKPlacedTile& placed : tilesInArea(scale, view, area)) {
+        const MKTileKey key = keyFor(scale, placed.column, placed.row);
+        if (_held.contains(key)) {
+            continue;
+        }
+        if (auto cached = MKTileLoader::shared().cachedTile(key)) {
+            _held.emplace(key, std::move(cached));
+            continue;
+        }
+        if (_failed.contains(key)) {
+            _failedInScene |= rank == rankVisible;
+            continue;
+        }
+        const double dx = placed.rect.x + placed.rect.width / 2.0 - view.width / 2.0;
+        const double dy = placed.rect.y + placed.rect.height / 2.0 - view.height / 2.0;
+        _wanted.push_back({key, rank + std::min(std::hypot(dx, dy), rankOverview / 2)});
+        ++missing;
+    }
+    return missing;
+}
+
+void MKTileLayer::wantOverview() {
+    const int32_t columns = tileColumns(overviewScale);
+    for (int32_t row = 0; row < columns; ++row) {
+        for (int32_t column = 0; column < columns; ++column) {
+            const MKTileKey key = keyFor(overviewScale, column, row);
+            if (_held.contains(key) || _failed.contains(key)) {
+                continue;
+            }
+            if (auto cached = MKTileLoader::shared().cachedTile(key)) {
+                _held.emplace(key, std::move(cached));
+            } else {
+                _wanted.push_back({key, rankOverview});
+            }
+        }
+    }
+}
+
+bool MKTileLayer::isOverview(const MKTileKey& key) const {
+    return key.scale == overviewScale && key.source == _source->identifier() && key.mapType == _scene->mapType &&
+           key.deviceScale == _scene->deviceScale;
+}
+
+bool MKTileLayer::needs(const MKTileKey& key) const {
+    return key == keyFor(neededScale(), key.column, key.row);
+}
+
+void MKTileLayer::forgetUseless() {
+    // What may be drawn under tiles that are missing, or is ready for the next moves, is kept; with nothing missing at rest
+    // only the needed scale is of use.
+    const bool others = _missing > 0 || _failedInScene || _scene->scaleIsChanging || _scene->destination;
+    const MKTileKey destination = keyFor(
+        _scene->destination ? _scene->destination->scale * _scene->deviceScale : 0, 0, 0);
+    std::unordered_map<double, std::unordered_set<uint64_t>> near; // places around the view, by scale
+    const auto placeOf = [](int32_t column, int32_t row) {
+        return static_cast<uint64_t>(static_cast<uint32_t>(column)) << 32 | static_cast<uint32_t>(row);
+    };
+    std::erase_if(_held, [&](const auto& entry) {
+        const MKTileKey& key = entry.first;
+        if (isOverview(key) || key == MKTileKey{destination.source, destination.mapType, destination.scale,
+                                                destination.deviceScale, key.column, key.row}) {
+            return false;
+        }
+        if (!others && !needs(key)) {
+            return true;
+        }
+        const auto [places, isNew] = near.try_emplace(key.scale);
+        if (isNew) {
+            for (const MKPlacedTile& placed : tilesInArea(key.scale, _view, withMargin(_view))) {
+                places->second.insert(placeOf(placed.column, placed.row));
+            }
+        }
+        return !places->second.contains(placeOf(key.column, key.row));
+    });
+}
+
+void MKTileLayer::tileLoaded(const std::shared_ptr<const MKTile>& tile) {
+    const MKTileKey& key = tile->key();
+    const auto wanted =
+        std::find_if(_wanted.begin(), _wanted.end(), [&](const MKWantedTile& entry) { return entry.key == key; });
+    if (wanted == _wanted.end()) {
+        return;
+    }
+    const double rank = wanted->rank;
+    _wanted.erase(wanted);
+    _held.emplace(key, tile);
+    if (rank < rankOverview) {
+        --_missing;
+    }
+    if (rank < rankDestination) {
+        for (const MKPlacedTile& placed : tilesInArea(key.scale, _view, wholeOf(_view))) {
+            if (placed.column == key.column && placed.row == key.row) {
+                const double scale = _scene->deviceScale;
+                _arrived({{placed.rect.x / scale, placed.rect.y / scale},
+                          {placed.rect.width / scale, placed.rect.height / scale}});
+            }
+        }
+    }
+}
+
+void MKTileLayer::tileFailed(const MKTileKey& key, const std::string& reason) {
+    const auto wanted =
+        std::find_if(_wanted.begin(), _wanted.end(), [&](const MKWantedTile& entry) { return entry.key == key; });
+    if (wanted == _wanted.end()) {
+        return;
+    }
+    const bool isNeeded = wanted->rank < rankOverview;
+    _wanted.erase(wanted);
+    _failed.insert(key);
+    if (isNeeded) {
+        --_missing;
+        _failedInScene = true;
+        _failedCallback(reason);
+    }
+}
+
+} // namespace veyra

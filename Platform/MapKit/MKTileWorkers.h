@@ -1,0 +1,54 @@
+// Threads that draw tiles. One set a process, made with the first tile and never destroyed; every method may be called on any
+// thread and none waits for a drawing.
+#pragma once
+
+#include "Platform/Foundation/NSLock.h"
+#include "Platform/MapKit/MKTile.h"
+
+#include <condition_variable>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace veyra {
+
+/// One tile to draw.
+struct MKTileJob {
+    MKTileKey key;
+    std::shared_ptr<const MKTileSource> source;
+};
+
+/// What became of a job: the tile, or why there is none.
+struct MKTileResult {
+    MKTileKey key;
+    std::shared_ptr<const MKTile> tile;
+    std::string failure;
+};
+
+class MKTileWorkers {
+public:
+    using Completion = std::function<void(MKTileResult result)>;
+
+    /// Starts `count` threads; `completion` is called on them, and must not throw.
+    MKTileWorkers(unsigned count, Completion completion);
+    /// The threads never end.
+    ~MKTileWorkers() = delete;
+
+    /// Replaces the jobs that no thread has begun; the first ones are drawn first. A job that is under way, or whose result has
+    /// not been taken in by `acknowledge`, is left out.
+    void setJobs(std::vector<MKTileJob> jobs) VEYRA_EXCLUDES(_mutex);
+    /// The result of that job has been taken in; the tile may be asked for again.
+    void acknowledge(const MKTileKey& key) VEYRA_EXCLUDES(_mutex);
+
+private:
+    void run();
+    MKTileJob takeJob() VEYRA_EXCLUDES(_mutex);
+
+    const Completion _completion;
+    NSLock _mutex;
+    std::condition_variable_any _jobsCame;
+    std::vector<MKTileJob> _jobs VEYRA_GUARDED_BY(_mutex);                 // the next one last
+    std::unordered_set<MKTileKey> _underWay VEYRA_GUARDED_BY(_mutex); // begun and not acknowledged
+};
+
+} // namespace veyra

@@ -1,0 +1,171 @@
+#include "Platform/UIKit/UIWindow.h"
+
+#include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/Foundation/NSLog.h"
+#include "Platform/UIKit/UIGestureEnvironment.h"
+
+#include <cairo.h>
+
+namespace veyra {
+
+namespace {
+
+constexpr double maximumSide = 16384;
+
+double validLength(double length) {
+    return std::isfinite(length) && length > 0 ? length : 0;
+}
+
+bool isFinite(CGPoint point) {
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
+
+bool subviewsAreIdle(const UIView& view) {
+    return std::all_of(view.subviews().begin(), view.subviews().end(),
+                       [](const auto& subview) { return subview->isIdle() && subviewsAreIdle(*subview); });
+}
+
+template <class... Visitors>
+struct Overloaded : Visitors... {
+    using Visitors::operator()...;
+};
+template <class... Visitors>
+Overloaded(Visitors...) -> Overloaded<Visitors...>;
+
+} // namespace
+
+Class UIWindow::classObject() {
+    static ClassObject* const cls = new ClassObject("UIWindow", UIView::classObject(), {});
+    return cls;
+}
+
+UIWindow::UIWindow() : _gestures(std::make_unique<UIGestureEnvironment>()) {}
+
+UIWindow::~UIWindow() {
+    if (_surface)
+        cairo_surface_destroy(_surface);
+}
+
+std::shared_ptr<UIWindow> UIWindow::make() {
+    return UIView::make<UIWindow>({});
+}
+
+void UIWindow::initWithFrame(const CGRect& frame) {
+    UIView::initWithFrame(frame);
+    layoutIfNeeded();
+}
+
+void UIWindow::setSize(CGSize points, double scale) {
+    const CGSize size{validLength(points.width), validLength(points.height)};
+    scale = std::isnan(scale) ? 1 : std::clamp(scale, 0.25, 8.0);
+    if (size == bounds().size && scale == _scale)
+        return;
+    _scale = scale;
+    _pixelWidth = static_cast<int>(std::min(std::round(size.width * scale), maximumSide));
+    _pixelHeight = static_cast<int>(std::min(std::round(size.height * scale), maximumSide));
+    makeStore();
+    setFrame({{0, 0}, size});
+    layoutIfNeeded();
+    setNeedsDisplay();
+}
+
+void UIWindow::makeStore() {
+    if (_surface)
+        cairo_surface_destroy(_surface);
+    _surface = nullptr;
+    _damage.clear();
+    if (!storeRect().isEmpty()) {
+        _surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, _pixelWidth, _pixelHeight);
+        const cairo_status_t status = cairo_surface_status(_surface);
+        if (status == CAIRO_STATUS_SUCCESS)
+            return;
+        NSLog("No store for a window: %s", {cairo_status_to_string(status)});
+        cairo_surface_destroy(_surface);
+        _surface = nullptr;
+    }
+    _pixelWidth = _pixelHeight = 0;
+}
+
+void UIWindow::setVisible(bool visible) {
+    if (visible == _visible)
+        return;
+    _visible = visible;
+    // A host may have dropped its request when it hid the window.
+    _frameRequested = false;
+    requestFrame();
+    idleStateChanged();
+}
+
+void UIWindow::sendEvent(const UIEvent& event) {
+    const auto self = sharedView(); // handlers may drop the window
+    std::visit(Overloaded{[this](const UITouchEvent& touch) { _gestures->handleTouch(*this, touch); },
+                          [this](const UIScrollEvent& scroll) {
+                              if (!isFinite(scroll.location))
+                                  return;
+                              for (auto view = hitTest(scroll.location); view; view = view->containingView())
+                                  if (view->handleScroll(scroll))
+                                      return;
+                          },
+                          [this](const UIKeyEvent& key) { offerKey(*this, key); }},
+               event);
+}
+
+/// The views in front first; a view after those inside it.
+bool UIWindow::offerKey(UIView& view, const UIKeyEvent& event) {
+    if (view.isHidden())
+        return false;
+    const auto views = view.subviews();
+    for (size_t i = views.size(); i-- > 0;)
+        if (offerKey(*views[i], event))
+            return true;
+    return view.handleKey(event);
+}
+
+void UIWindow::cancelTouches() {
+    const auto self = sharedView();
+    _gestures->cancelTouches();
+}
+
+UIInputPolicy UIWindow::inputPolicy() const {
+    const unsigned bits = _inputPolicy.load();
+    return {(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0, (bits & 16) != 0};
+}
+
+void UIWindow::setInputPolicy(const UIInputPolicy& policy) {
+    _inputPolicy = unsigned{policy.usesDrags} | unsigned{policy.usesScrolls} << 1 | unsigned{policy.usesPinches} << 2 |
+                   unsigned{policy.usesPanKeys} << 3 | unsigned{policy.usesZoomKeys} << 4;
+}
+
+bool UIWindow::isIdle() const {
+    return !needsFrame() && subviewsAreIdle(*this);
+}
+
+void UIWindow::setIdleHandler(std::function<void()> handler) {
+    _idleHandler = std::move(handler);
+}
+
+void UIWindow::idleStateChanged() {
+    if (!isIdle()) {
+        _wasIdle = false;
+        return;
+    }
+    if (_wasIdle || _idleReportQueued)
+        return;
+    _idleReportQueued = true;
+    dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this()] {
+        if (const auto self = std::static_pointer_cast<UIWindow>(weak.lock()))
+            self->reportIdle();
+    });
+}
+
+/// Busy again by now: the next change of state asks for another report.
+void UIWindow::reportIdle() {
+    _idleReportQueued = false;
+    if (_wasIdle || !isIdle())
+        return;
+    _wasIdle = true;
+    if (const auto handler = _idleHandler)
+        handler();
+}
+
+} // namespace veyra

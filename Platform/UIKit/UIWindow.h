@@ -1,0 +1,107 @@
+// The root of a view tree and its screen: takes the host's size, visibility and input, and draws frames into a store of
+// its own, from which the host copies what changed. Owned by the host. Main queue only, except where said.
+#pragma once
+
+#include "Platform/UIKit/DamageList.h"
+#include "Platform/UIKit/UIEvent.h"
+#include "Platform/UIKit/UIView.h"
+
+#include <atomic>
+#include <functional>
+#include <vector>
+
+typedef struct _cairo_surface cairo_surface_t;
+
+namespace veyra {
+
+class UIGestureEnvironment;
+
+class UIWindow final : public UIView {
+public:
+    VEYRA_CLASS()
+    /// An empty window of size 0 at scale 1, visible.
+    static std::shared_ptr<UIWindow> make();
+    ~UIWindow() override;
+
+    /// The size in points and the device pixels a point (0.25 to 8; clamped). The store gets round(size × scale) pixels, at
+    /// most 16384 a side; subviews follow by their masks and are laid out before this returns; everything is drawn anew.
+    /// Sides that are negative or not finite count as 0. The same size and scale again change nothing.
+    void setSize(CGSize points, double scale);
+    double scale() const { return _scale; }
+    int pixelWidth() const { return _pixelWidth; }
+    int pixelHeight() const { return _pixelHeight; }
+
+    /// A hidden window asks for no frames.
+    void setVisible(bool visible);
+    bool isVisible() const { return _visible; }
+
+    /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors (scrolls),
+    /// or to the views from the front down (keys).
+    void sendEvent(const UIEvent& event);
+    /// Ends all touches as cancelled: the host lost the pointer.
+    void cancelTouches();
+    /// What the views will use. Any thread.
+    UIInputPolicy inputPolicy() const;
+    /// Views publish here what they use; see UIInputPolicy.
+    void setInputPolicy(const UIInputPolicy& policy);
+
+    /// True when the next `drawFrame` has something to do.
+    bool needsFrame() const;
+    /// `handler` is called each time the window comes to need a frame, once until the next `drawFrame`.
+    /// A frame needed already is asked for at once.
+    void setFrameRequestHandler(std::function<void()> handler);
+    /// Moves animations to `timestamp` (seconds, monotonic), lays out, draws what changed, and returns the changed
+    /// rectangles (device pixels, disjoint, few); empty when nothing changed, and while the window is hidden. What no view
+    /// covers is white.
+    std::vector<PixelRect> drawFrame(double timestamp);
+    /// True when no frame is needed and every view is idle.
+    bool isIdle() const override;
+    /// `handler` is called on the main queue whenever the window has become idle after having been busy.
+    void setIdleHandler(std::function<void()> handler);
+    /// For views: their answer to `isIdle` may have changed.
+    void idleStateChanged();
+
+    /// Copies a rectangle of the store (clipped to it) to rows of R, G, B, A bytes (alpha 255), `target` being the whole image's first byte.
+    void copyPixels(const PixelRect& rect, uint8_t* target, size_t stride) const;
+    /// The store (Cairo RGB24 in device pixels); null while the window is empty. For drawing tests and writing pictures.
+    cairo_surface_t* surface() const { return _surface; }
+
+    /// For gesture recognisers.
+    UIGestureEnvironment& gestureEnvironment() { return *_gestures; }
+
+private:
+    friend class UIView;
+    UIWindow();
+    void initWithFrame(const CGRect& frame) override;
+    void addDamage(const CGRect& rect);
+    void requestAnimationStep(const std::shared_ptr<UIView>& view);
+    void forgetAnimation(const UIView& view);
+    void requestFrame();
+    void reportIdle();
+    bool offerKey(UIView& view, const UIKeyEvent& event);
+    void makeStore();
+    PixelRect storeRect() const { return {0, 0, _pixelWidth, _pixelHeight}; }
+    void runAnimations(double timestamp);
+    void drawDamage(const PixelRect& damage);
+    struct DrawItem;
+    void collectViews(const std::shared_ptr<UIView>& view, CGPoint origin, const PixelRect& clip,
+                      const PixelRect& damage, std::vector<DrawItem>& items) const;
+    void drawItem(const DrawItem& item) const;
+
+    double _scale = 1;
+    int _pixelWidth = 0, _pixelHeight = 0;
+    bool _visible = true;
+    bool _frameRequested = false;
+    bool _drawingFrame = false;
+    bool _wasIdle = true;
+    bool _idleReportQueued = false;
+    cairo_surface_t* _surface = nullptr;
+    DamageList _damage;
+    std::vector<std::weak_ptr<UIView>> _animating;
+    std::function<void()> _frameRequestHandler;
+    std::function<void()> _idleHandler;
+    std::atomic<unsigned> _inputPolicy{0};
+    std::unique_ptr<UIGestureEnvironment> _gestures;
+};
+
+} // namespace veyra

@@ -1,0 +1,218 @@
+#include "Platform/WebKit/ScriptContext.h"
+
+#include "Platform/WebKit/WebScriptObject.h"
+#include "Platform/WebKit/WebThread.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace veyra {
+
+namespace {
+
+using Registry = std::unordered_map<JSGlobalContextRef, std::shared_ptr<ScriptContext>>;
+
+// The contexts of the process by their global context; web thread only.
+Registry& registry() {
+    static Registry* contexts = new Registry;
+    return *contexts;
+}
+
+JSObjectRef objectProperty(JSContextRef context, JSObjectRef object, const char* name) {
+    JSStringRef key = JSStringCreateWithUTF8CString(name);
+    JSValueRef value = JSObjectGetProperty(context, object, key, nullptr);
+    JSStringRelease(key);
+    return value && JSValueIsObject(context, value) ? JSValueToObject(context, value, nullptr) : nullptr;
+}
+
+void setHiddenProperty(JSContextRef context, JSObjectRef object, const char* name, JSObjectRef value) {
+    JSStringRef key = JSStringCreateWithUTF8CString(name);
+    JSObjectSetProperty(context, object, key, value, kJSPropertyAttributeDontEnum, nullptr);
+    JSStringRelease(key);
+}
+
+} // namespace
+
+std::shared_ptr<ScriptContext> ScriptContext::of(JSGlobalContextRef globalContext, JSObjectRef keeper) {
+    auto& context = registry()[globalContext];
+    if (!context)
+        context = std::shared_ptr<ScriptContext>(new ScriptContext(globalContext, keeper));
+    return context;
+}
+
+std::shared_ptr<ScriptContext> ScriptContext::existing(JSContextRef context) {
+    const auto found = registry().find(JSContextGetGlobalContext(context));
+    return found == registry().end() ? nullptr : found->second;
+}
+
+size_t ScriptContext::liveContexts() {
+    return registry().size();
+}
+
+ScriptContext::ScriptContext(JSGlobalContextRef context, JSObjectRef keeper) : _context(context) {
+    static JSClassRef holderClass = [] {
+        JSClassDefinition definition = kJSClassDefinitionEmpty;
+        definition.className = "VeyraHolder";
+        definition.attributes = kJSClassAttributeNoAutomaticPrototype;
+        definition.finalize = holderFinalized;
+        return JSClassCreate(&definition);
+    }();
+    _holder = JSObjectMake(context, holderClass, new JSGlobalContextRef(context));
+    if (keeper) {
+        // One frame object of the engine may serve as the keeper of several contexts: each has a name of its own.
+        static uint64_t serial = 0;
+        setHiddenProperty(context, keeper, ("veyraHolder" + std::to_string(++serial)).c_str(), _holder);
+    } else {
+        JSValueProtect(context, _holder);
+        _holderProtected = true;
+    }
+    _slots = JSObjectMakeArray(context, 0, nullptr, nullptr);
+    setHiddenProperty(context, _holder, "slots", _slots);
+
+    JSObjectRef global = JSContextGetGlobalObject(context);
+    if (JSObjectRef object = objectProperty(context, global, "Object")) {
+        if ((_defineProperty = objectProperty(context, object, "defineProperty")))
+            keep(_defineProperty);
+    }
+    if ((_console = objectProperty(context, global, "console"))) {
+        keep(_console);
+        if ((_consoleError = objectProperty(context, _console, "error")))
+            keep(_consoleError);
+    }
+}
+
+ScriptContext::~ScriptContext() = default;
+
+// The collector calls this, on whatever thread it sweeps: it touches neither the engine nor the context.
+void ScriptContext::holderFinalized(JSObjectRef holder) {
+    std::unique_ptr<JSGlobalContextRef> key(static_cast<JSGlobalContextRef*>(JSObjectGetPrivate(holder)));
+    webThread().async([context = *key, holder] {
+        const auto found = registry().find(context);
+        // A newer context may have come to live at the same address.
+        if (found != registry().end() && found->second->_holder == holder) {
+            const auto dead = found->second;
+            dead->invalidate();
+        }
+    });
+}
+
+void ScriptContext::invalidate() {
+    if (!_alive)
+        return;
+    const auto self = shared_from_this();
+    _alive = false;
+    const auto found = registry().find(_context);
+    if (found != registry().end() && found->second.get() == this)
+        registry().erase(found);
+    if (_holderProtected) {
+        JSValueUnprotect(_context, _holder);
+        _holderProtected = false;
+    }
+    _objects.clear();
+    _keptWrappers.clear();
+    auto handlers = std::move(_deathHandlers);
+    for (auto& handler : handlers)
+        handler();
+}
+
+void ScriptContext::onDeath(std::function<void()> handler) {
+    _deathHandlers.push_back(std::move(handler));
+}
+
+void ScriptContext::setSuspended(bool suspended) {
+    _suspended = suspended;
+    if (!suspended)
+        reclaimSlots();
+}
+
+unsigned ScriptContext::keep(JSObjectRef object) {
+    if (_freeSlots.empty())
+        reclaimSlots();
+    unsigned slot;
+    if (_freeSlots.empty()) {
+        slot = _nextSlot++;
+    } else {
+        slot = _freeSlots.back();
+        _freeSlots.pop_back();
+    }
+    JSObjectSetPropertyAtIndex(_context, _slots, slot, object, nullptr);
+    return slot;
+}
+
+void ScriptContext::releaseSlot(unsigned slot) {
+    bool mustQueue;
+    {
+        std::lock_guard guard(_releasedMutex);
+        _released.push_back(slot);
+        mustQueue = !std::exchange(_reclaimQueued, true);
+    }
+    if (mustQueue)
+        webThread().async([self = weak_from_this()] {
+            if (const auto context = self.lock())
+                context->reclaimSlots();
+        });
+}
+
+void ScriptContext::reclaimSlots() {
+    std::vector<unsigned> released;
+    {
+        std::lock_guard guard(_releasedMutex);
+        _reclaimQueued = false;
+        if (!isUsable())
+            return; // a suspended page reclaims when it is shown again
+        released.swap(_released);
+    }
+    for (const unsigned slot : released) {
+        JSObjectSetPropertyAtIndex(_context, _slots, slot, JSValueMakeUndefined(_context), nullptr);
+        _freeSlots.push_back(slot);
+    }
+    if (!released.empty())
+        std::erase_if(_objects, [](const auto& entry) { return entry.second.expired(); });
+}
+
+// At the end of a call its arguments and results are still on the caller's stack, so that the engine's collector sees
+// them: the last moment to keep those that native code holds on to.
+void ScriptContext::settle(size_t firstArgument, size_t firstWrapper) {
+    while (_arguments.size() > firstArgument) {
+        const auto argument = std::move(_arguments.back());
+        _arguments.pop_back();
+        // With one reference nobody else can take another: the count cannot grow.
+        if (argument.use_count() > 1 && isUsable() && !argument->_slot) {
+            argument->_slot = keep(argument->_object);
+            _objects[argument->_object] = argument;
+        }
+    }
+    const auto isHeld = [](const Wrapper& wrapper) {
+        return wrapper.object.use_count() > 2;
+    }; // the wrapper's, and ours
+    while (_recentWrappers.size() > firstWrapper) {
+        Wrapper wrapper = std::move(_recentWrappers.back());
+        _recentWrappers.pop_back();
+        if (isHeld(wrapper) && isUsable()) {
+            wrapper.slot = keep(wrapper.script);
+            _keptWrappers.push_back(std::move(wrapper));
+        }
+    }
+    std::erase_if(_keptWrappers, [&](const Wrapper& wrapper) {
+        if (isHeld(wrapper))
+            return false;
+        releaseSlot(wrapper.slot);
+        return true;
+    });
+}
+
+void ScriptContext::reportException(JSValueRef exception) {
+    if (!isUsable() || !exception)
+        return;
+    if (_consoleError)
+        JSObjectCallAsFunction(_context, _consoleError, _console, 1, &exception, nullptr);
+}
+
+JSValueRef ScriptContext::makeError(JSContextRef script, const NSString& message) {
+    JSStringRef text = makeString(message);
+    const JSValueRef argument = JSValueMakeString(script, text);
+    JSStringRelease(text);
+    return JSObjectMakeError(script, 1, &argument, nullptr);
+}
+
+} // namespace veyra

@@ -1,0 +1,112 @@
+// One page's or frame's script context as the bridge sees it: converts values both ways, keeps the script values that
+// native code holds, and dies with the page. Web thread only, except the destructor and where said.
+//
+// All script values that native code holds live in one holder object of the context. A host whose context has an object
+// that lives exactly as long as the page (and that the page cannot reach) gives it as the keeper: then nothing is
+// protected and a page that leaves the back/forward cache is collected. Without a keeper the holder is protected until
+// `invalidate`.
+#pragma once
+
+#include "Platform/Foundation/NSObject.h"
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include <functional>
+#include <mutex>
+#include <unordered_map>
+
+namespace veyra {
+
+class WebScriptObject;
+
+class ScriptContext : public std::enable_shared_from_this<ScriptContext> {
+public:
+    /// The context of `globalContext`, made at the first call. `keeper` (of the same engine group) may be null; it is
+    /// used at the first call only. The context is not retained.
+    static std::shared_ptr<ScriptContext> of(JSGlobalContextRef globalContext, JSObjectRef keeper = nullptr);
+    /// The context that was made for the global context of `context`, or null.
+    static std::shared_ptr<ScriptContext> existing(JSContextRef context);
+    ~ScriptContext();
+
+    /// Null once the context is dead.
+    JSGlobalContextRef globalContext() const { return _alive ? _context : nullptr; }
+    bool isAlive() const { return _alive; }
+    /// The page has gone: every script object of it is dead from now on. `onDeath` handlers run. The engine is called
+    /// only when the context is known to exist, that is when the holder was protected.
+    void invalidate();
+    /// A page that is hidden in the back/forward cache may be collected without a word: while it is suspended nothing
+    /// of it is read or called, and events to it are lost.
+    void setSuspended(bool suspended);
+    bool isSuspended() const { return _suspended; }
+    /// `handler` runs on the web thread when the context dies.
+    void onDeath(std::function<void()> handler);
+
+    /// Script to native: number, boolean, string; null is nil; undefined, symbols and big integers are WebUndefined;
+    /// one of our value objects is that very object; any other object is its WebScriptObject.
+    id toNative(JSValueRef value);
+    /// As `toNative` for the arguments of a call from a script, which the caller's stack keeps alive until the call
+    /// returns: what the callee does not keep costs no slot.
+    id argumentToNative(JSValueRef value);
+    /// Native to script: nil is null. Undefined when the context is dead.
+    JSValueRef toScript(const id& value);
+    static NSString toString(JSStringRef string);
+    static JSStringRef makeString(const NSString& string);
+
+    /// Writes an exception to the page's console as an error.
+    void reportException(JSValueRef exception);
+    /// An Error of the script's page with that message.
+    static JSValueRef makeError(JSContextRef script, const NSString& message);
+
+    /// Keeps a script value as long as the slot is held. Slots are given back on any thread with `releaseSlot`.
+    unsigned keep(JSObjectRef object);
+    /// Any thread: hands the slot back; the engine is told later, on the web thread.
+    void releaseSlot(unsigned slot);
+    /// `Object.defineProperty` as the page found it.
+    JSObjectRef definePropertyFunction() const { return _defineProperty; }
+    /// Live contexts of the process, for tests.
+    static size_t liveContexts();
+
+private:
+    friend class WebScriptObject;
+    friend class ScriptCall;
+    struct Wrapper {
+        std::shared_ptr<NSObject> object;
+        JSObjectRef script;
+        unsigned slot;
+    };
+
+    ScriptContext(JSGlobalContextRef context, JSObjectRef keeper);
+    static void holderFinalized(JSObjectRef holder);
+    bool isUsable() const { return _alive && !_suspended; }
+    std::shared_ptr<WebScriptObject> scriptObject(JSObjectRef object, bool isArgument);
+    std::shared_ptr<NSObject> unwrap(JSObjectRef object);
+    JSValueRef wrap(const std::shared_ptr<NSObject>& object);
+    void refresh(NSObject& object, JSObjectRef script);
+    void settle(size_t firstArgument, size_t firstWrapper);
+    void reclaimSlots();
+
+    JSGlobalContextRef const _context;
+    bool _alive = true;
+    bool _suspended = false;
+    int _callDepth = 0; // calls from and into scripts that are running
+    bool _holderProtected = false;
+    JSObjectRef _holder = nullptr;         // lives in the keeper, or protected
+    JSObjectRef _slots = nullptr;          // the array of kept values, in the holder
+    JSObjectRef _defineProperty = nullptr; // kept
+    JSObjectRef _console = nullptr;        // kept; may be null
+    JSObjectRef _consoleError = nullptr;   // kept; may be null
+    unsigned _nextSlot = 0;
+    std::vector<unsigned> _freeSlots;
+
+    std::unordered_map<JSObjectRef, std::weak_ptr<WebScriptObject>> _objects; // kept script objects by identity
+    std::vector<std::shared_ptr<WebScriptObject>> _arguments;                 // of the calls that are running
+    std::vector<Wrapper> _recentWrappers;                                     // value objects of the running calls
+    std::vector<Wrapper> _keptWrappers; // value objects that native code holds on to, each in a slot
+    std::vector<std::function<void()>> _deathHandlers;
+
+    std::mutex _releasedMutex;
+    std::vector<unsigned> _released; // guarded by _releasedMutex
+    bool _reclaimQueued = false;     // guarded by _releasedMutex
+};
+
+} // namespace veyra

@@ -1,0 +1,49 @@
+// A script object that a page handed to native code. The same script object is the same WebScriptObject while that
+// lives. Reads and calls run on the web thread; references may be held and dropped on any thread. After its page has
+// gone it is dead: reads give nil, calls do nothing.
+//
+// **Reading a key can run arbitrary script** (getters, proxies), which may call back into the plug-in, remove its
+// element or navigate away. Callers hold no lock and keep what they use alive.
+#pragma once
+
+#include "Platform/WebKit/ScriptContext.h"
+
+namespace veyra {
+
+class WebScriptObject final : public NSObject {
+public:
+    VEYRA_CLASS()
+    ~WebScriptObject() override;
+
+    /// The converted value of the property; undefined goes to `valueForUndefinedKey:`. An exception of a getter is
+    /// written to the page's console and counts as undefined.
+    id valueForKey(const NSString& key) override;
+    /// The converted element; an absent one is WebUndefined.
+    id webScriptValueAtIndex(unsigned index);
+    /// Calls the method of that name with this object as `this`; when there is nothing callable nothing happens. An
+    /// exception is written to the page's console. The result is nil when there is none.
+    id callWebScriptMethod(const NSString& name, const NSArray& arguments);
+
+    /// Raises a script exception with the message: an Error that is thrown when the current call from a script returns
+    /// (the last message wins; the call's result is lost). Outside a call from a script the message is logged.
+    static void throwException(const NSString& message);
+
+    /// The script object, or null when its page has gone. Web thread.
+    JSObjectRef scriptObject() const;
+    const std::shared_ptr<ScriptContext>& context() const { return _context; }
+
+    bool isEqual(const NSObject& other) const override;
+    size_t hash() const override;
+
+private:
+    friend class ScriptContext;
+    WebScriptObject(std::shared_ptr<ScriptContext> context, JSObjectRef object)
+        : _context(std::move(context)), _object(object) {}
+    void report(JSValueRef exception) const;
+
+    const std::shared_ptr<ScriptContext> _context;
+    JSObjectRef const _object;
+    std::optional<unsigned> _slot; // none while only the running call's arguments keep the object; web thread
+};
+
+} // namespace veyra

@@ -1,0 +1,11 @@
+# Warnings are errors on both compilers; clang also checks the locks.
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Wformat=2
+                    -Werror)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    add_compile_options(-Wthread-safety -Werror=thread-safety)
+endif()
+
+find_program(VEYRA_CCACHE ccache)
+if(VEYRA_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${VEYRA_CCACHE})
+endif()

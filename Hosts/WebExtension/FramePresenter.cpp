@@ -88,7 +88,7 @@ void FramePresenter::advance() {
     if (isShown()) {
         if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
             startDrawing();
-        if ((_isDrawing || _readyIndex >= 0) && !_isFrameRequested) {
+        if ((_isDrawing || _isReady) && !_isFrameRequested) {
             _isFrameRequested = true;
             _surface.requestFrame();
         }
@@ -105,7 +105,7 @@ void FramePresenter::startDrawing() {
     drawing->window = _window;
     drawing->buffers = _buffers;
     drawing->hold = _surface.hold();
-    drawing->index = _readyIndex == 0 ? 1 : 0;
+    drawing->index = 1 - _frontIndex;
     dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), drawing]() mutable {
         runGuarded("drawing a frame", [&] { drawing->run(); });
         // Moved on, so that the arrays are let go on the web thread.
@@ -122,21 +122,12 @@ void FramePresenter::finishDrawing(const Drawing& drawing) {
     if (!_surface.isAttached())
         return;
     if (drawing.missingWidth > 0 && drawing.missingHeight > 0) {
-        if (!isShown()) {
-            _isWanted = true; // the script is called only while the page is shown
-            return;
-        }
-        _readyIndex = -1;
-        _readyRects.clear();
-        _hadFrameSinceDrawing = true;
-        _buffers = _surface.allocate(drawing.missingWidth, drawing.missingHeight, drawing.scale);
-        if (_buffers)
-            _isWanted = true;
-        else
-            NSLog("No memory for a map of %f × %f pixels",
-                  {static_cast<double>(drawing.missingWidth), static_cast<double>(drawing.missingHeight)});
+        _isWanted = true;
+        if (isShown())
+            allocate(drawing);
     } else if (!drawing.changes.empty()) {
-        _readyIndex = drawing.index;
+        _isReady = true;
+        _frontIndex = drawing.index;
         for (const PixelRect& rect : drawing.changes)
             _readyRects.add(rect);
     }
@@ -145,15 +136,27 @@ void FramePresenter::finishDrawing(const Drawing& drawing) {
     advance();
 }
 
+void FramePresenter::allocate(const Drawing& drawing) {
+    _isReady = false;
+    _readyRects.clear();
+    _hadFrameSinceDrawing = true;
+    _buffers = _surface.allocate(drawing.missingWidth, drawing.missingHeight, drawing.scale);
+    if (!_buffers) {
+        _isWanted = false;
+        NSLog("No memory for a map of %f × %f pixels",
+              {static_cast<double>(drawing.missingWidth), static_cast<double>(drawing.missingHeight)});
+    }
+}
+
 std::vector<int> FramePresenter::animationFrame() {
     _isFrameRequested = false;
     _hadFrameSinceDrawing = true;
     std::vector<int> put;
-    if (_readyIndex >= 0 && _surface.isAttached()) {
-        put.push_back(_readyIndex);
+    if (_isReady && _surface.isAttached()) {
+        put.push_back(_frontIndex);
         for (const PixelRect& rect : _readyRects.take())
             put.insert(put.end(), {rect.x, rect.y, rect.width, rect.height});
-        _readyIndex = -1;
+        _isReady = false;
         ++frameStatistics().put;
     }
     advance();
@@ -161,7 +164,7 @@ std::vector<int> FramePresenter::animationFrame() {
 }
 
 bool FramePresenter::isSettled() const {
-    return !isShown() || (!_isWanted && !_isDrawing && _readyIndex < 0);
+    return !isShown() || (!_isWanted && !_isDrawing && !_isReady);
 }
 
 } // namespace veyra

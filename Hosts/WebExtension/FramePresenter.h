@@ -24,6 +24,8 @@ public:
     void layOut(CGSize size, double scale, bool isVisible);
     /// The page is hidden, and may be collected: its script is not called until the next layout that is visible.
     void suspend();
+    /// The page is shown again; an animation frame that it was asked for may have been lost.
+    void resume() { _isFrameRequested = false; }
 
     /// What the animation frame that was asked for must put: the array's index, then x, y, width, height of each
     /// rectangle in device pixels; empty when there is nothing.
@@ -31,15 +33,17 @@ public:
 
     /// True when no frame is wanted, being drawn or waiting to be put; also when nobody can see the map.
     bool isSettled() const;
+    /// False when nobody can see the map.
+    bool isShown() const { return _surface.isAttached() && _isVisible && !_size.isEmpty(); }
     SurfaceScript& surface() { return _surface; }
 
 private:
     struct Drawing;
-    bool isShown() const { return _surface.isAttached() && _isVisible && !_size.isEmpty(); }
     void frameWanted();
     void advance();
     void startDrawing();
     void finishDrawing(const Drawing& drawing);
+    void allocate(const Drawing& drawing);
 
     const std::shared_ptr<UIWindow> _window; // main queue only
     const std::function<void()> _settled;
@@ -52,8 +56,9 @@ private:
     bool _isDrawing = false;
     bool _isFrameRequested = false;
     bool _hadFrameSinceDrawing = true; // one drawing an animation frame
-    int _readyIndex = -1;              // the array that waits to be put, or -1
-    DamageList _readyRects;
+    int _frontIndex = 0;               // the array that waits to be put or was put last; the other one is drawn into
+    bool _isReady = false;             // it waits
+    DamageList _readyRects;            // what must be put of it
 };
 
 } // namespace veyra

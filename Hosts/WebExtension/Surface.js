@@ -22,6 +22,7 @@
         canvas:focus-visible { outline: 2px solid Highlight; outline-offset: -2px; }`;
 
     const isShown = () => document.visibilityState === 'visible' && innerWidth > 0 && innerHeight > 0;
+    const isEmpty = (rect) => rect === null || rect.width === 0 || rect.height === 0;
     const maps = new Map(); // by element
     const unparsed = new Set(); // elements whose parameters the parser may still add
     let hidden = false;
@@ -78,6 +79,7 @@
             this.rect = null; // until the first measurement
             this.intersecting = null; // likewise
             this.placing = false;
+            this.isRestoring = false;
             this.images = null;
             this.scale = 1;
             this.animate = () => {
@@ -99,6 +101,19 @@
             root.append(this.canvas);
             surfaces.set(this.surface, this);
             attachInput(this);
+        }
+
+        // Before the next picture of the page, but not at once: a page that takes out again and again what it does not know
+        // must not keep us both busy for ever.
+        scheduleRestore() {
+            if (this.isRestoring)
+                return;
+            this.isRestoring = true;
+            requestAnimationFrame(() => {
+                this.isRestoring = false;
+                if (maps.get(this.element) === this)
+                    this.restore();
+            });
         }
 
         // Puts the surface where it belongs: the page may have emptied the element, or a copy of another map's content, with
@@ -128,6 +143,12 @@
 
         resized(rect) {
             adoptRules(this.element);
+            if (isEmpty(this.rect) && !isEmpty(rect)) {
+                // What was observed of a surface without a size says nothing about this one.
+                this.intersecting = null;
+                intersections.unobserve(this.surface);
+                intersections.observe(this.surface);
+            }
             this.rect = rect;
             this.report();
         }
@@ -139,6 +160,17 @@
 
         isMeasured() {
             return this.rect !== null && this.intersecting !== null;
+        }
+
+        // Whether the measurement is that of the present layout. The engine shows the content of a new <object>, and so the
+        // surface, only some time after its first layout.
+        isUpToDate() {
+            const style = getComputedStyle(this.surface);
+            const rect = { width: parseFloat(style.width) || 0, height: parseFloat(style.height) || 0 };
+            if (isEmpty(rect))
+                return this.element.offsetWidth === 0 || this.element.offsetHeight === 0;
+            return this.isMeasured() && Math.abs(rect.width - this.rect.width) < 0.1 &&
+                Math.abs(rect.height - this.rect.height) < 0.1;
         }
 
         report() {
@@ -261,7 +293,7 @@
                 listen(); // document.open takes all listeners away
             if (record.type === 'attributes')
                 consider(record.target);
-            maps.get(record.target)?.restore();
+            maps.get(record.target)?.scheduleRestore();
             record.addedNodes.forEach(considerTree);
         }
         considerUnparsed();
@@ -314,7 +346,7 @@
     // Nothing is on its way any more but what the native side knows of. A document that is not shown measures nothing.
     function isSettled() {
         return document.readyState === 'complete' && unparsed.size === 0 &&
-            (!isShown() || [...maps.values()].every((map) => map.isMeasured()));
+            (!isShown() || [...maps.values()].every((map) => map.isUpToDate()));
     }
 
     onResolution();

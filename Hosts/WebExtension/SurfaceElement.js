@@ -6,6 +6,11 @@
 
     class VeyraSurface extends HTMLElement {
         static disabledFeatures = ['internals'];
+
+        // Not left to the engine: its own passes arguments on by way of Array.prototype, which the page can replace.
+        constructor() {
+            super();
+        }
     }
     VeyraSurface.prototype.disconnectedCallback = disconnected;
     customElements.define('veyra-surface', VeyraSurface);

@@ -1,5 +1,5 @@
-// A place on the earth as a location provider reports it, and the coordinate pair that the whole system shares. Values; any
-// thread.
+// A place on the earth as a location provider reports it, and the coordinate pair that the whole system shares. Values;
+// any thread.
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
@@ -20,7 +20,8 @@ inline CLLocationCoordinate2D CLLocationCoordinate2DMake(double latitude, double
 class CLLocation final : public NSObject {
 public:
     VEYRA_CLASS()
-    /// Metres: altitude above sea level, accuracies as radii. A negative accuracy says that what it belongs to is not known.
+    /// Metres: altitude above sea level, accuracies as radii. A negative accuracy says that what it belongs to is not
+    /// known.
     CLLocation(CLLocationCoordinate2D coordinate, double altitude, double horizontalAccuracy, double verticalAccuracy);
 
     CLLocationCoordinate2D coordinate() const { return _coordinate; }

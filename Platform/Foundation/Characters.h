@@ -6,7 +6,9 @@
 
 namespace veyra {
 
-constexpr bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+constexpr bool isDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
 
 /// Spaces, tabs and line ends, ASCII's and the other scripts'.
 constexpr bool isWhiteSpace(char16_t unit) {

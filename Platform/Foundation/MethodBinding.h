@@ -1,5 +1,6 @@
 // Makes run-time methods out of member functions: bindMethod<&VeyraView::setMapType>("setMapType:"). Arguments are
-// converted by the platform's rules (id's conversions, which throw), results become ids; type encodings follow the C++ types.
+// converted by the platform's rules (id's conversions, which throw), results become ids; type encodings follow the C++
+// types.
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
@@ -44,9 +45,7 @@ struct Binder<Member> {
     static id call(NSObject& self, std::span<const id> arguments) {
         return call(static_cast<C&>(self), arguments, std::index_sequence_for<A...>{});
     }
-    static std::string types() {
-        return std::string{typeCode<R>(), '@', ':', typeCode<std::remove_cvref_t<A>>()...};
-    }
+    static std::string types() { return std::string{typeCode<R>(), '@', ':', typeCode<std::remove_cvref_t<A>>()...}; }
 
 private:
     template <size_t... I>
@@ -65,9 +64,7 @@ struct Binder<Member> {
     static id call(NSObject& self, std::span<const id> arguments) {
         return call(static_cast<const C&>(self), arguments, std::index_sequence_for<A...>{});
     }
-    static std::string types() {
-        return std::string{typeCode<R>(), '@', ':', typeCode<std::remove_cvref_t<A>>()...};
-    }
+    static std::string types() { return std::string{typeCode<R>(), '@', ':', typeCode<std::remove_cvref_t<A>>()...}; }
 
 private:
     template <size_t... I>

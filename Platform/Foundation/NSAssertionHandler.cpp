@@ -18,8 +18,7 @@ NSAssertionHandler& NSAssertionHandler::currentHandler() {
     return replacement() ? *replacement() : *ordinary;
 }
 
-std::unique_ptr<NSAssertionHandler>
-NSAssertionHandler::setCurrentHandler(std::unique_ptr<NSAssertionHandler> handler) {
+std::unique_ptr<NSAssertionHandler> NSAssertionHandler::setCurrentHandler(std::unique_ptr<NSAssertionHandler> handler) {
     replacement().swap(handler);
     return handler;
 }

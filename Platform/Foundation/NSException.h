@@ -1,5 +1,5 @@
-// What the platform raises. In a call from a script it becomes an Error in the page with the reason as its message; in a
-// block on a queue it is logged and the queue goes on.
+// What the platform raises. In a call from a script it becomes an Error in the page with the reason as its message; in
+// a block on a queue it is logged and the queue goes on.
 #pragma once
 
 #include "Platform/Foundation/NSString.h"

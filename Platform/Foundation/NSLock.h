@@ -1,5 +1,5 @@
-// A lock that is not recursive, with the annotations by which clang checks that guarded fields are read and written only
-// while it is held.
+// A lock that is not recursive, with the annotations by which clang checks that guarded fields are read and written
+// only while it is held.
 #pragma once
 
 #include <mutex>

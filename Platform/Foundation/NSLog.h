@@ -11,8 +11,8 @@ namespace veyra {
 class FormatArgument {
 public:
     template <class T>
-        requires std::is_constructible_v<id, T>
-    FormatArgument(T&& value) : FormatArgument(id(std::forward<T>(value)), nullptr) {}
+    requires std::is_constructible_v<id, T> FormatArgument(T&& value)
+        : FormatArgument(id(std::forward<T>(value)), nullptr) {}
     FormatArgument(double value);
     FormatArgument(const char* utf8) : _text(utf8), _number(0) {}
 
@@ -26,8 +26,8 @@ private:
     double _number;
 };
 
-/// Fills %@, %s and %f in order; %% is a percent sign. A placeholder without an argument gives "(null)". `%f` of an argument
-/// that is no number gives 0.000000. Independent of the locale.
+/// Fills %@, %s and %f in order; %% is a percent sign. A placeholder without an argument gives "(null)". `%f` of an
+/// argument that is no number gives 0.000000. Independent of the locale.
 NSString NSStringWithFormat(const char* format, std::initializer_list<FormatArgument> arguments);
 
 /// Writes one line. A message longer than 64 KiB is cut.

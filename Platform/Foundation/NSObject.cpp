@@ -11,7 +11,9 @@ id raiseForUndefinedKey(NSObject& self, std::span<const id> arguments) {
     raiseUndefinedKey(self.isa()->name(), "valueForUndefinedKey:", arguments[0].description());
 }
 
-size_t argumentCount(SEL selector) { return static_cast<size_t>(std::ranges::count(selector.name(), ':')); }
+size_t argumentCount(SEL selector) {
+    return static_cast<size_t>(std::ranges::count(selector.name(), ':'));
+}
 
 /// "latitudeDelta" -> "setLatitudeDelta:".
 std::string setterName(const NSString& key) {
@@ -30,17 +32,19 @@ Class NSObject::classObject() {
 }
 
 id NSObject::valueForKey(const NSString& key) {
+    const Class cls = isa(); // first: making the class makes its selectors
     if (const auto selector = SEL::find(key.utf8()); selector && argumentCount(*selector) == 0)
-        if (const auto getter = isa()->method(*selector); getter && !getter->types.starts_with('v'))
+        if (const auto getter = cls->method(*selector); getter && !getter->types.starts_with('v'))
             return getter->implementation(*this, {});
     return valueForUndefinedKey(key);
 }
 
 void NSObject::setValueForKey(const id& value, const NSString& key) {
+    const Class cls = isa(); // first, as above
     const auto selector = SEL::find(setterName(key));
-    const IMP setter = selector && argumentCount(*selector) == 1 ? isa()->implementation(*selector) : nullptr;
+    const IMP setter = selector && argumentCount(*selector) == 1 ? cls->implementation(*selector) : nullptr;
     if (!setter)
-        raiseUndefinedKey(isa()->name(), "setValue:forUndefinedKey:", key);
+        raiseUndefinedKey(cls->name(), "setValue:forUndefinedKey:", key);
     setter(*this, {&value, 1});
 }
 
@@ -57,6 +61,8 @@ id NSObject::performSelector(SEL selector, std::span<const id> arguments) {
     return implementation(*this, arguments);
 }
 
-NSString NSObject::description() const { return NSString(std::string_view(isa()->name())); }
+NSString NSObject::description() const {
+    return NSString(std::string_view(isa()->name()));
+}
 
 } // namespace veyra

@@ -38,9 +38,14 @@ public:
     virtual NSString description() const;
 };
 
-/// Declares in a class body what every class of the runtime has.
+/// Declares in the public part of a class body what every class of the runtime has, and registers the class while its
+/// module is loaded, so that it is found by name before its first object. classObject() must not use variables that
+/// other source files initialise at run time.
 #define VEYRA_CLASS()                                                                                                  \
     static Class classObject();                                                                                        \
-    Class isa() const override { return classObject(); }
+    static inline const Class registeredClass = classObject();                                                         \
+    Class isa() const override {                                                                                       \
+        return classObject();                                                                                          \
+    }
 
 } // namespace veyra

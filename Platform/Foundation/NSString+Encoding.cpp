@@ -11,8 +11,8 @@ struct Decoded {
     size_t length;
 };
 
-/// What a first byte allows: how many bytes follow and the range of the second, which shuts out overlong forms, surrogates
-/// and what lies beyond U+10FFFF.
+/// What a first byte allows: how many bytes follow and the range of the second, which shuts out overlong forms,
+/// surrogates and what lies beyond U+10FFFF.
 struct Lead {
     size_t following;
     unsigned char low;
@@ -31,8 +31,8 @@ Lead leadOf(unsigned char byte) {
     return {0, 0, 0};
 }
 
-/// The character at the front of a text that begins with no ASCII; a malformed sequence is taken as far as it could have
-/// begun a character.
+/// The character at the front of a text that begins with no ASCII; a malformed sequence is taken as far as it could
+/// have begun a character.
 Decoded decode(std::string_view utf8) {
     const auto first = static_cast<unsigned char>(utf8[0]);
     const Lead lead = leadOf(first);
@@ -52,8 +52,12 @@ Decoded decode(std::string_view utf8) {
     return {character, lead.following + 1};
 }
 
-constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xfc00) == 0xd800; }
-constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xfc00) == 0xdc00; }
+constexpr bool isHighSurrogate(char16_t unit) {
+    return (unit & 0xfc00) == 0xd800;
+}
+constexpr bool isLowSurrogate(char16_t unit) {
+    return (unit & 0xfc00) == 0xdc00;
+}
 
 void appendUTF8(std::string& utf8, char32_t character) {
     const auto tail = [&](unsigned shift) { utf8 += static_cast<char>(0x80 | (character >> shift & 0x3f)); };

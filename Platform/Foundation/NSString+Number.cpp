@@ -13,7 +13,7 @@ namespace {
 /// Digits beyond this many cannot change how a double rounds, except by being something other than zero.
 constexpr size_t significantDigits = 770;
 /// Beyond any exponent that a text in memory can make up for with its digits.
-constexpr int64_t exponentLimit = int64_t{1} << 60;
+constexpr int64_t exponentLimit = 100'000'000'000'000'000;
 
 /// A decimal number as its text gives it: 0.DIGITS times ten to the power of `exponent`.
 struct Decimal {

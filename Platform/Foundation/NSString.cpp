@@ -36,7 +36,9 @@ NSString::NSString(std::u16string text, int) {
     _data = std::make_shared<const Data>(Data{std::move(text), hash});
 }
 
-std::string NSString::utf8() const { return utf8FromUTF16(_data->text); }
+std::string NSString::utf8() const {
+    return utf8FromUTF16(_data->text);
+}
 
 NSString NSString::substringWithRange(size_t location, size_t length) const {
     const size_t size = _data->text.size();
@@ -54,7 +56,9 @@ NSString NSString::stringByReplacingUnit(char16_t from, char16_t to) const {
     return NSString(std::move(text), 0);
 }
 
-float NSString::floatValue() const { return static_cast<float>(doubleValue()); }
+float NSString::floatValue() const {
+    return static_cast<float>(doubleValue());
+}
 
 int NSString::intValue() const {
     const std::u16string_view units = _data->text;

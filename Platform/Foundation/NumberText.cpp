@@ -17,8 +17,12 @@ std::string numberText(double number, std::chars_format format, int precision) {
 
 } // namespace
 
-std::string generalText(double number) { return numberText(number, std::chars_format::general, 16); }
+std::string generalText(double number) {
+    return numberText(number, std::chars_format::general, 16);
+}
 
-std::string fixedText(double number) { return numberText(number, std::chars_format::fixed, 6); }
+std::string fixedText(double number) {
+    return numberText(number, std::chars_format::fixed, 6);
+}
 
 } // namespace veyra

@@ -1,5 +1,5 @@
-// Raises the two exceptions that a message or a key meets that its receiver does not know. Their reasons reach pages: they
-// name the class, never an address. Any thread.
+// Raises the two exceptions that a message or a key meets that its receiver does not know. Their reasons reach pages:
+// they name the class, never an address. Any thread.
 #pragma once
 
 #include <string_view>

@@ -120,7 +120,7 @@ Class NSClassFromString(const NSString& name) {
 }
 
 IMP class_replaceMethod(Class cls, SEL selector, IMP implementation, const char* types) {
-    return cls->replaceMethod(selector, implementation, types);
+    return cls ? cls->replaceMethod(selector, implementation, types) : nullptr;
 }
 
 } // namespace veyra

@@ -1,5 +1,5 @@
-// Classes, selectors and methods at run time: what look-up by name, method replacement and the exposure to scripts need.
-// Any thread may ask; replacing a method is seen by all threads at once. Classes and selectors live for ever.
+// Classes, selectors and methods at run time: what look-up by name, method replacement and the exposure to scripts
+// need. Any thread may ask; replacing a method is seen by all threads at once. Classes and selectors live for ever.
 #pragma once
 
 #include "Platform/Foundation/id.h"
@@ -83,7 +83,8 @@ using Class = ClassObject*;
 
 /// The class registered under the name, or null.
 Class NSClassFromString(const NSString& name);
-/// Replaces the instance method of the class (or adds it); returns the former body, or null when there was none.
+/// Replaces the instance method of the class (or adds it); returns the former body, or null when there was none. Does
+/// nothing for a null class.
 IMP class_replaceMethod(Class cls, SEL selector, IMP implementation, const char* types);
 
 } // namespace veyra

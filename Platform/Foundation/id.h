@@ -1,6 +1,6 @@
-// The value that the plug-in can hold without looking inside: nothing, undefined, a boolean, a number, a string, an array
-// or an object. A small value type; copies share arrays and objects. Any thread may hold one; a script object inside is
-// released on any thread and gives its script value back on the web thread by itself.
+// The value that the plug-in can hold without looking inside: nothing, undefined, a boolean, a number, a string, an
+// array or an object. A small value type; copies share arrays and objects. Any thread may hold one; a script object
+// inside is released on any thread and gives its script value back on the web thread by itself.
 #pragma once
 
 #include "Platform/Foundation/NSString.h"
@@ -39,8 +39,7 @@ public:
     id(Array elements) : _value(std::make_shared<const Array>(std::move(elements))) {}
     /// An empty pointer is nil.
     template <class T>
-        requires std::is_convertible_v<T*, NSObject*>
-    id(std::shared_ptr<T> object) {
+    requires std::is_convertible_v<T*, NSObject*> id(std::shared_ptr<T> object) {
         if (object)
             _value = std::shared_ptr<NSObject>(std::move(object));
     }
@@ -72,19 +71,20 @@ public:
     /// Numbers truncate and clamp to the 32-bit range (NaN gives 0).
     int intValue() const;
     bool boolValue() const;
-    /// Numbers truncate, negatives wrap, NaN gives 0, what 64 bits cannot hold is clamped; strings have no such conversion
-    /// and throw.
+    /// Numbers truncate, negatives wrap, NaN gives 0, what 64 bits cannot hold is clamped; strings have no such
+    /// conversion and throw.
     uint64_t unsignedIntegerValue() const;
-    /// True when this is a string of that text. Numbers, booleans and nil are not equal; anything else cannot be compared
-    /// with a string and throws.
+    /// True when this is a string of that text. Numbers, booleans and nil are not equal; anything else cannot be
+    /// compared with a string and throws.
     bool isEqualToString(const NSString& other) const;
 
     /// The value of a key: an object answers by its own rules, nil gives nil, other kinds throw NSException
     /// (NSUndefinedKeyException).
     id valueForKey(const NSString& key) const;
 
-    /// Equality: strings by text, numbers and booleans by value, arrays element by element, objects by `isEqual`; nil equals
-    /// nil and undefined undefined. NaN equals NaN here, so that a registry finds again what it was given as a key.
+    /// Equality: strings by text, numbers and booleans by value, arrays element by element, objects by `isEqual`; nil
+    /// equals nil and undefined undefined. NaN equals NaN here, so that a registry finds again what it was given as a
+    /// key.
     bool isEqual(const id& other) const;
     size_t hash() const;
     /// The platform's text form: "(null)" for nil, "undefined", integers plain, other numbers `%0.16g` in the C locale,

@@ -1,5 +1,6 @@
 // Drawing of the map, and what is reported about its data.
 #include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/Foundation/NSLog.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKTileLayer.h"
@@ -31,8 +32,64 @@ void MKMapView::drawRect(const UIGraphicsContext& context) {
     reportLoading();
 }
 
+bool MKMapView::isIdle() const {
+    return !_changing && _loading == Loading::Nothing && _queuedReports == 0 && !_tiles->isWaiting();
+}
+
 void MKMapView::tilesArrivedIn(const CGRect& area) {
     setNeedsDisplayInRect(area);
+    if (!_tiles->isWaiting()) {
+        setNeedsDisplay(); // that all is there is reported by drawing, even if the last tile lies outside the window
+    }
+}
+
+void MKMapView::tileFailed(const std::string& reason) {
+    NSLog("MKMapView: a tile cannot be drawn: %s", {reason.c_str()});
+    if (_loading == Loading::Tiles) {
+        _loading = Loading::Failed;
+        auto error = std::make_shared<NSError>(
+            NSString(errorDomain), errorUnknown,
+            NSDictionary::Map{{NSString("NSLocalizedDescription"), id(NSString(std::string_view(reason)))}});
+        queueReport([error](MKMapView& map, MKMapViewDelegate& delegate) {
+            delegate.mapViewDidFailLoadingMapWithError(map, error);
+        });
+    }
+    setNeedsDisplay();
+}
+
+// Called with everything drawn that is held.
+void MKMapView::reportLoading() {
+    if (_tiles->isWaiting()) {
+        if (_loading == Loading::Nothing) {
+            _loading = Loading::Tiles;
+            queueReport(
+                [](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewWillStartLoadingMap(map); });
+        }
+    } else if (!_changing && _loading != Loading::Nothing) {
+        if (_loading == Loading::Tiles) {
+            queueReport(
+                [](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewDidFinishLoadingMap(map); });
+        }
+        _loading = Loading::Nothing;
+    }
+}
+
+// A delegate is not called while a frame is being drawn.
+void MKMapView::queueReport(std::function<void(MKMapView&, MKMapViewDelegate&)> report) {
+    ++_queuedReports;
+    dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), report = std::move(report)] {
+        const auto self = std::static_pointer_cast<MKMapView>(weak.lock());
+        if (!self) {
+            return;
+        }
+        --self->_queuedReports;
+        if (const auto delegate = self->delegate()) {
+            report(*self, *delegate);
+        }
+        if (const auto window = self->window()) {
+            window->idleStateChanged();
+        }
+    });
 }
 
 } // namespace veyra

@@ -3,6 +3,7 @@
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKMapView.h"
+#include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/UIKit/UIWindow.h"
 
 #include <cmath>
@@ -101,6 +102,7 @@ bool MKMapView::beginChange(bool animated) {
     endChange();
     _changing = true;
     _changeAnimated = animated;
+    _tiles->forgetFailures();
     const unsigned serial = ++_changeSerial;
     if (const auto delegate = _delegate.lock()) {
         delegate->mapViewRegionWillChangeAnimated(*this, animated);

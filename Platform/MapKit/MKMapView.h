@@ -66,7 +66,7 @@ public:
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
 
     void layoutSubviews() override;
-    bool isOpaque() const override { return true; }
+    bool isOpaque() const override { return hasLayout(); }
     void drawRect(const UIGraphicsContext& context) override;
     bool stepAnimations(double timestamp) override;
     bool isIdle() const override;
@@ -112,6 +112,7 @@ private:
     void tilesArrivedIn(const CGRect& area);
     void tileFailed(const std::string& reason);
     void reportLoading();
+    void queueReport(std::function<void(MKMapView&, MKMapViewDelegate&)> report);
 
     std::weak_ptr<MKMapViewDelegate> _delegate;
     MKMapType _mapType = MKMapTypeStandard;

@@ -42,6 +42,12 @@ MKTileLayer::~MKTileLayer() {
 void MKTileLayer::setSource(std::shared_ptr<const MKTileSource> source) {
     _source = std::move(source);
     _failed.clear();
+    _isStale = true;
+}
+
+void MKTileLayer::forgetFailures() {
+    _isStale |= !_failed.empty();
+    _failed.clear();
 }
 
 MKTileKey MKTileLayer::keyFor(double scale, int32_t column, int32_t row) const {
@@ -53,6 +59,10 @@ double MKTileLayer::neededScale() const {
 }
 
 void MKTileLayer::setScene(const MKTileScene& scene) {
+    if (!_isStale && _scene == scene) {
+        return;
+    }
+    _isStale = false;
     _scene = scene;
     _view = MKPixelView(scene.camera, scene.viewSize, scene.deviceScale);
     _wanted.clear();
@@ -155,6 +165,7 @@ void MKTileLayer::tileLoaded(const std::shared_ptr<const MKTile>& tile) {
         return;
     }
     const double rank = wanted->rank;
+    _isStale = true;
     _wanted.erase(wanted);
     _held.emplace(key, tile);
     if (rank < rankOverview) {
@@ -178,6 +189,7 @@ void MKTileLayer::tileFailed(const MKTileKey& key, const std::string& reason) {
         return;
     }
     const bool isNeeded = wanted->rank < rankOverview;
+    _isStale = true;
     _wanted.erase(wanted);
     _failed.insert(key);
     if (isNeeded) {

@@ -46,7 +46,7 @@ public:
     /// True when a tile that the scene needs has failed.
     bool hasFailed() const { return _failedInScene; }
     /// Lets failed tiles be asked for again with the next scene.
-    void forgetFailures() { _failed.clear(); }
+    void forgetFailures();
 
 private:
     class Painter;
@@ -74,6 +74,7 @@ private:
     std::vector<MKWantedTile> _wanted;
     size_t _missing = 0;
     bool _failedInScene = false;
+    bool _isStale = true; // something has changed since the scene was set
 };
 
 } // namespace veyra

@@ -56,9 +56,7 @@ struct PixelRect {
     int maxX() const { return x + width; }
     int maxY() const { return y + height; }
     int64_t area() const { return isEmpty() ? 0 : int64_t{width} * height; }
-    bool contains(const PixelRect& r) const {
-        return r.x >= x && r.y >= y && r.maxX() <= maxX() && r.maxY() <= maxY();
-    }
+    bool contains(const PixelRect& r) const { return r.x >= x && r.y >= y && r.maxX() <= maxX() && r.maxY() <= maxY(); }
 };
 
 /// The overlap of two rectangles; size 0 when there is none.

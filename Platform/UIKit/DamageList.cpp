@@ -37,38 +37,40 @@ void subtract(const PixelRect& rect, const PixelRect& hole, std::vector<PixelRec
 } // namespace
 
 void DamageList::add(const PixelRect& rect) {
-    std::vector<PixelRect> pieces;
-    if (!rect.isEmpty())
-        pieces.push_back(rect);
-    while (!pieces.empty()) {
-        const PixelRect piece = pieces.back();
-        pieces.pop_back();
-        addPiece(piece, pieces);
+    if (rect.isEmpty())
+        return;
+    PixelRect grown = rect;
+    for (size_t i = 0; i < _rects.size();) {
+        if (_rects[i].contains(grown))
+            return;
+        if (!worthMerging(_rects[i], grown)) {
+            ++i;
+            continue;
+        }
+        grown = hull(_rects[i], grown);
+        _rects.erase(_rects.begin() + static_cast<std::ptrdiff_t>(i));
+        i = 0;
     }
+    addDisjoint(grown);
     while (_rects.size() > maximumCount)
         mergeClosest();
 }
 
-/// Adds the piece itself, grown by what it swallowed, or hands back the parts of it that lie outside another rectangle.
-void DamageList::addPiece(PixelRect rect, std::vector<PixelRect>& pieces) {
-    for (size_t i = 0; i < _rects.size();) {
-        if (_rects[i].contains(rect))
-            return;
-        if (!worthMerging(_rects[i], rect)) {
-            ++i;
-            continue;
-        }
-        rect = hull(_rects[i], rect);
-        _rects.erase(_rects.begin() + static_cast<std::ptrdiff_t>(i));
-        i = 0;
-    }
+/// Adds the parts of the rectangle that lie in no other. They are not merged again: two parts on both sides of another
+/// rectangle would become the whole that they were cut from.
+void DamageList::addDisjoint(const PixelRect& rect) {
+    std::vector<PixelRect> pieces{rect}, cut;
     for (const PixelRect& other : _rects) {
-        if (!intersection(other, rect).isEmpty()) {
-            subtract(rect, other, pieces);
-            return;
+        cut.clear();
+        for (const PixelRect& piece : pieces) {
+            if (intersection(other, piece).isEmpty())
+                cut.push_back(piece);
+            else
+                subtract(piece, other, cut);
         }
+        pieces.swap(cut);
     }
-    _rects.push_back(rect);
+    _rects.insert(_rects.end(), pieces.begin(), pieces.end());
 }
 
 void DamageList::mergeClosest() {

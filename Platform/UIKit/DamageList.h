@@ -21,7 +21,7 @@ public:
     std::vector<PixelRect> take();
 
 private:
-    void addPiece(PixelRect rect, std::vector<PixelRect>& pieces);
+    void addDisjoint(const PixelRect& rect);
     void mergeClosest();
 
     std::vector<PixelRect> _rects;

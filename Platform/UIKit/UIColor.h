@@ -1,5 +1,5 @@
-// A colour: red, green, blue and alpha. Components are kept as given, outside 0 to 1 too; drawing clamps them. Immutable;
-// any thread.
+// A colour: red, green, blue and alpha. Components are kept as given, outside 0 to 1 too; drawing clamps them.
+// Immutable; any thread.
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"

@@ -41,9 +41,9 @@ using UIEvent = std::variant<UITouchEvent, UIScrollEvent, UIKeyEvent>;
 
 /// Which input the views of a window will use, for hosts that must decide at once whether the page gets it too.
 struct UIInputPolicy {
-    bool usesDrags = false;   ///< one-finger and pointer drags
-    bool usesScrolls = false; ///< wheel and touchpad
-    bool usesPinches = false; ///< two-finger gestures
+    bool usesDrags = false;    ///< one-finger and pointer drags
+    bool usesScrolls = false;  ///< wheel and touchpad
+    bool usesPinches = false;  ///< two-finger gestures
     bool usesPanKeys = false;  ///< arrows, Home
     bool usesZoomKeys = false; ///< plus, minus
     friend bool operator==(const UIInputPolicy&, const UIInputPolicy&) = default;

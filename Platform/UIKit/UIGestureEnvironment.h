@@ -1,6 +1,6 @@
-// Routes a window's touches to the gesture recognisers. The view under a touch when it begins decides: its recognisers and
-// those of its ancestors, the deepest view first, get the touch until it ends, whatever becomes of the views meanwhile.
-// Owned by the window. Main queue only.
+// Routes a window's touches to the gesture recognisers. The view under a touch when it begins decides: its recognisers
+// and those of its ancestors, the deepest view first, get the touch until it ends, whatever becomes of the views
+// meanwhile. Owned by the window. Main queue only.
 #pragma once
 
 #include "Platform/UIKit/UIEvent.h"
@@ -15,14 +15,14 @@ class UIWindow;
 
 class UIGestureEnvironment {
 public:
-    /// Delivers the event. The caller keeps the window alive. A touch that begins again while it is down is cancelled first;
-    /// events of unknown touches, and those whose location or time is not finite, are ignored.
+    /// Delivers the event. The caller keeps the window alive. A touch that begins again while it is down is cancelled
+    /// first; events of unknown touches, and those whose location or time is not finite, are ignored.
     void handleTouch(UIWindow& window, const UITouchEvent& event);
     /// Cancels every touch that is down.
     void cancelTouches();
 
-    /// For a recogniser that is about to recognise: false when a gesture under way that shares a touch with it forbids it;
-    /// otherwise makes those fail that it prevents.
+    /// For a recogniser that is about to recognise: false when a gesture under way that shares a touch with it forbids
+    /// it; otherwise makes those fail that it prevents.
     bool claimTouches(UIGestureRecognizer& recognizer);
 
 private:

@@ -1,10 +1,10 @@
-// Gesture recognisers: each follows the touches of its view and of the views below it and reports its state to a handler.
-// Main queue only. A view owns its recognisers; a recogniser does not own its view. A handler may remove the recogniser,
-// its view or the window.
+// Gesture recognisers: each follows the touches of its view and of the views below it and reports its state to a
+// handler. Main queue only. A view owns its recognisers; a recogniser does not own its view. A handler may remove the
+// recogniser, its view or the window.
 //
-// A recogniser starts as possible. Continuous gestures go through began and changed to ended or cancelled, taps go to ended
-// at once, and what is no such gesture fails. When all touches have been lifted the recogniser is possible again. Of
-// recognisers that share a touch, the first one to recognise makes the others fail (see `canPrevent`).
+// A recogniser starts as possible. Continuous gestures go through began and changed to ended or cancelled, taps go to
+// ended at once, and what is no such gesture fails. When all touches have been lifted the recogniser is possible again.
+// Of recognisers that share a touch, the first one to recognise makes the others fail (see `canPrevent`).
 #pragma once
 
 #include "Platform/Foundation/DispatchQueue.h"
@@ -23,16 +23,16 @@ public:
 
     /// The handler is called with every change to began, changed, ended or cancelled.
     void setHandler(Handler handler) { _handler = std::move(handler); }
-    /// Asked when a touch begins in the recogniser's view or below it, with the deepest view under the touch; the recogniser
-    /// gets the touch when the answer is true, or when there is no filter.
+    /// Asked when a touch begins in the recogniser's view or below it, with the deepest view under the touch; the
+    /// recogniser gets the touch when the answer is true, or when there is no filter.
     void setTouchFilter(TouchFilter filter) { _touchFilter = std::move(filter); }
     UIGestureRecognizerState state() const { return _state; }
     std::shared_ptr<UIView> view() const { return _view.lock(); }
     bool isEnabled() const { return _enabled; }
     /// Disabling cancels what is under way.
     void setEnabled(bool enabled);
-    /// The middle of the touches that the gesture follows, in the view's points; after the last one was lifted, where it
-    /// was last.
+    /// The middle of the touches that the gesture follows, in the view's points; after the last one was lifted, where
+    /// it was last.
     CGPoint locationInView() const;
     /// How many touches the gesture follows now.
     size_t numberOfTouches() const { return std::min(_touches.size(), maximumFollowedTouches()); }
@@ -49,8 +49,8 @@ protected:
         CGPoint start, location; ///< window points
         double startTime;
     };
-    /// Called while the gesture is possible, began or changed, after the touch was added to or taken out of `touches`. A
-    /// lifted touch that also moved is first reported as moved.
+    /// Called while the gesture is possible, began or changed, after the touch was added to or taken out of `touches`.
+    /// A lifted touch that also moved is first reported as moved.
     virtual void touchBegan(const UITouchEvent& event) = 0;
     virtual void touchMoved(const UITouchEvent& event) = 0;
     virtual void touchEnded(const UITouchEvent& event) = 0;
@@ -69,8 +69,8 @@ protected:
     /// False when the touches by which the gesture was recognised are over: those down now are none of its business.
     virtual bool claimsTouches() const { return true; }
 
-    /// Moves to the state and calls the handler. A gesture that another one prevents fails instead. The handler may have
-    /// cancelled the gesture when this returns.
+    /// Moves to the state and calls the handler. A gesture that another one prevents fails instead. The handler may
+    /// have cancelled the gesture when this returns.
     void setState(UIGestureRecognizerState state);
     /// After a change of state outside the touch functions: starts anew when no touch is down.
     void finishSequence();

@@ -1,5 +1,5 @@
-// Touches that stay in place: begins when they have been down for the minimum duration, then follows their moves, and ends
-// when one is lifted. Another finger makes it fail, or cancels it when it has begun. Main queue only.
+// Touches that stay in place: begins when they have been down for the minimum duration, then follows their moves, and
+// ends when one is lifted. Another finger makes it fail, or cancels it when it has begun. Main queue only.
 #pragma once
 
 #include "Platform/UIKit/UIGestureRecognizer.h"

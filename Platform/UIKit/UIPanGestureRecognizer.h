@@ -1,6 +1,7 @@
-// One or more touches that move together. The gesture follows the middle of the touches; adding or lifting a finger moves
-// nothing. It begins when the middle has moved by more than the slop (3 points for a pointer, 10 for a finger or pen), and
-// what it then reports starts from there, so that nothing jumps. It ends when all touches are lifted. Main queue only.
+// One or more touches that move together. The gesture follows the middle of the touches; adding or lifting a finger
+// moves nothing. It begins when the middle has moved by more than the slop (3 points for a pointer, 10 for a finger or
+// pen), and what it then reports starts from there, so that nothing jumps. It ends when all touches are lifted. Main
+// queue only.
 #pragma once
 
 #include "Platform/UIKit/UIGestureRecognizer.h"
@@ -39,8 +40,8 @@ private:
 
     size_t _minimumNumberOfTouches = 1;
     size_t _maximumNumberOfTouches = SIZE_MAX;
-    CGPoint _middle;      // of the touches at the last event
-    CGPoint _moved;       // sum of the moves of the middle since the first touch
+    CGPoint _middle; // of the touches at the last event
+    CGPoint _moved;  // sum of the moves of the middle since the first touch
     CGPoint _translation;
     VelocityTracker _velocity;
 };

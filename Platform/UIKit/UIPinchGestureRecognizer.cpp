@@ -7,8 +7,9 @@ namespace veyra {
 using State = UIGestureRecognizerState;
 
 namespace {
-constexpr double slop = 8;             // points
-constexpr double shortestDistance = 10; // points; fingers cannot be closer, and a ratio of next to nothing means nothing
+constexpr double slop = 8; // points
+constexpr double shortestDistance =
+    10; // points; fingers cannot be closer, and a ratio of next to nothing means nothing
 } // namespace
 
 Class UIPinchGestureRecognizer::classObject() {

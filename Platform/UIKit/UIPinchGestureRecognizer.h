@@ -1,6 +1,6 @@
-// Two touches that move apart or together; `locationInView` is their middle. It begins when their distance has changed by
-// more than 8 points, and its scale starts from there. It stays while one finger is lifted and put down again, and ends when
-// both are lifted. Further fingers are not followed until one of the two is lifted. Main queue only.
+// Two touches that move apart or together; `locationInView` is their middle. It begins when their distance has changed
+// by more than 8 points, and its scale starts from there. It stays while one finger is lifted and put down again, and
+// ends when both are lifted. Further fingers are not followed until one of the two is lifted. Main queue only.
 #pragma once
 
 #include "Platform/UIKit/UIGestureRecognizer.h"

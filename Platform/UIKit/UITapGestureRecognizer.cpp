@@ -1,6 +1,7 @@
 #include "Platform/UIKit/UITapGestureRecognizer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace veyra {
 
@@ -77,7 +78,8 @@ void UITapGestureRecognizer::touchBegan(const UITouchEvent& event) {
         return;
     _touchesSeen = touches().size();
     _tapLocation = middleOfTouches();
-    if (_tapsDone > 0 && _touchesSeen == _numberOfTouchesRequired && distance(_tapLocation, _lastLocation) > tapDistance)
+    if (_tapsDone > 0 && _touchesSeen == _numberOfTouchesRequired &&
+        distance(_tapLocation, _lastLocation) > tapDistance)
         startOver();
 }
 

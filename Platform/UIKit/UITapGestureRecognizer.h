@@ -1,6 +1,7 @@
-// Short touches in one place: single and multiple taps with one or more fingers. A touch counts as a tap when it lasts at
-// most 0.75 seconds and moves by at most 10 points; the next tap of several begins at most 0.3 seconds after the last lift
-// and at most 30 points away. Recognised as ended when the last finger of the last tap is lifted. Main queue only.
+// Short touches in one place: single and multiple taps with one or more fingers. A touch counts as a tap when it lasts
+// at most 0.75 seconds and moves by at most 10 points; the next tap of several begins at most 0.3 seconds after the
+// last lift and at most 30 points away. Recognised as ended when the last finger of the last tap is lifted. Main queue
+// only.
 #pragma once
 
 #include "Platform/UIKit/UIGestureRecognizer.h"

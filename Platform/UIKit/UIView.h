@@ -1,6 +1,6 @@
-// A rectangle on the screen that draws itself, holds subviews and receives touches through gesture recognisers. Main queue
-// only; the last reference may be dropped on any thread, the teardown then runs on the main queue. A view owns its
-// subviews, its layer and its recognisers.
+// A rectangle on the screen that draws itself, holds subviews and receives touches through gesture recognisers. Main
+// queue only; the last reference may be dropped on any thread, the teardown then runs on the main queue. A view owns
+// its subviews, its layer and its recognisers.
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
@@ -11,17 +11,19 @@ typedef struct _cairo cairo_t;
 namespace veyra {
 
 class CALayer;
+class UIGestureEnvironment;
 class UIGestureRecognizer;
 class UIWindow;
 
-/// Where a view draws: the origin is the view's top-left corner, the unit the point. The context is the view's own for the
-/// call: nothing set in it reaches other views. Its target (`cairo_get_target`) is the window's store itself, an RGB24
-/// image surface, and its clip is `clip`: a view may also write the store's bytes inside `clip` directly, after
+/// Where a view draws: the origin is the view's top-left corner, the unit the point. The context is the view's own for
+/// the call: nothing set in it reaches other views. Its target (`cairo_get_target`) is the window's store itself, an
+/// RGB24 image surface, and its clip is `clip`: a view may also write the store's bytes inside `clip` directly, after
 /// `cairo_surface_flush` and before `cairo_surface_mark_dirty_rectangle` on the target.
 struct UIGraphicsContext {
     cairo_t* cairo;
-    double scale;   ///< device pixels a point
-    PixelRect clip; ///< what must be drawn: the damage inside the view's bounds, in device pixels of the window; not empty
+    double scale; ///< device pixels a point
+    PixelRect
+        clip; ///< what must be drawn: the damage inside the view's bounds, in device pixels of the window; not empty
     CGPoint origin; ///< the view's origin in the window, in points
 };
 
@@ -84,8 +86,8 @@ public:
     void setNeedsDisplayInRect(const CGRect& rect);
     /// Override to draw; subviews are drawn over it.
     virtual void drawRect(const UIGraphicsContext&) {}
-    /// Override to move animations on; called once before each frame is drawn, at `timestamp` seconds. Returns true while
-    /// more frames are wanted.
+    /// Override to move animations on; called once before each frame is drawn, at `timestamp` seconds. Returns true
+    /// while more frames are wanted.
     virtual bool stepAnimations(double /*timestamp*/) { return false; }
     /// Asks for `stepAnimations` with the next frame; outside a window, with the first frame inside one.
     void setNeedsAnimationStep();
@@ -96,8 +98,8 @@ public:
     void addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
     void removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
 
-    /// A scroll whose location (window points) lies in the view, or a key. Returns true when the view used it; otherwise
-    /// the next view is asked.
+    /// A scroll whose location (window points) lies in the view, or a key. Returns true when the view used it;
+    /// otherwise the next view is asked.
     virtual bool handleScroll(const UIScrollEvent&) { return false; }
     virtual bool handleKey(const UIKeyEvent&) { return false; }
 
@@ -116,6 +118,7 @@ protected:
     std::shared_ptr<UIView> containingView() const { return _superview.lock(); }
 
 private:
+    friend class UIGestureEnvironment;
     friend class UIWindow;
     static void destroyOnMainQueue(UIView* view);
     void resizeSubviews(CGSize oldSize);

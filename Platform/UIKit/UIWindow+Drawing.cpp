@@ -5,6 +5,8 @@
 
 #include <cairo.h>
 
+#include <utility>
+
 namespace veyra {
 
 namespace {
@@ -30,10 +32,9 @@ PixelRect nearestPixels(const CGRect& rect, double scale) {
 /// All pixels that a rectangle touches, but for rounding errors.
 PixelRect touchedPixels(const CGRect& rect, double scale) {
     constexpr double error = 1e-6;
-    return rectOfEdges(pixelEdge(std::floor(rect.minX() * scale + error)),
-                       pixelEdge(std::floor(rect.minY() * scale + error)),
-                       pixelEdge(std::ceil(rect.maxX() * scale - error)),
-                       pixelEdge(std::ceil(rect.maxY() * scale - error)));
+    return rectOfEdges(
+        pixelEdge(std::floor(rect.minX() * scale + error)), pixelEdge(std::floor(rect.minY() * scale + error)),
+        pixelEdge(std::ceil(rect.maxX() * scale - error)), pixelEdge(std::ceil(rect.maxY() * scale - error)));
 }
 
 struct DestroyContext {
@@ -106,7 +107,8 @@ std::vector<PixelRect> UIWindow::drawFrame(double timestamp) {
         runGuarded("layout", [this] { layoutIfNeeded(); });
         damage = _damage.take();
         for (const PixelRect& rect : damage)
-            drawDamage(rect);
+            if (storeRect().contains(rect)) // or a view has resized the window while drawing
+                drawDamage(rect);
         _drawingFrame = false;
     }
     requestFrame();
@@ -157,7 +159,7 @@ void UIWindow::collectViews(const std::shared_ptr<UIView>& view, CGPoint origin,
 
 /// Each view has a context of its own, so that neither its settings nor its errors reach the next one.
 void UIWindow::drawItem(const DrawItem& item) const {
-    if (!_surface)
+    if (!storeRect().contains(item.clip))
         return;
     const Context cairo = contextClippedTo(_surface, item.clip);
     cairo_scale(cairo.get(), _scale, _scale);

@@ -23,9 +23,9 @@ public:
     static std::shared_ptr<UIWindow> make();
     ~UIWindow() override;
 
-    /// The size in points and the device pixels a point (0.25 to 8; clamped). The store gets round(size × scale) pixels, at
-    /// most 16384 a side; subviews follow by their masks and are laid out before this returns; everything is drawn anew.
-    /// Sides that are negative or not finite count as 0. The same size and scale again change nothing.
+    /// The size in points and the device pixels a point (0.25 to 8; clamped). The store gets round(size × scale)
+    /// pixels, at most 16384 a side; subviews follow by their masks and are laid out before this returns; everything is
+    /// drawn anew. Sides that are negative or not finite count as 0. The same size and scale again change nothing.
     void setSize(CGSize points, double scale);
     double scale() const { return _scale; }
     int pixelWidth() const { return _pixelWidth; }
@@ -35,8 +35,8 @@ public:
     void setVisible(bool visible);
     bool isVisible() const { return _visible; }
 
-    /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors (scrolls),
-    /// or to the views from the front down (keys).
+    /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
+    /// (scrolls), or to the views from the front down (keys).
     void sendEvent(const UIEvent& event);
     /// Ends all touches as cancelled: the host lost the pointer.
     void cancelTouches();
@@ -51,8 +51,8 @@ public:
     /// A frame needed already is asked for at once.
     void setFrameRequestHandler(std::function<void()> handler);
     /// Moves animations to `timestamp` (seconds, monotonic), lays out, draws what changed, and returns the changed
-    /// rectangles (device pixels, disjoint, few); empty when nothing changed, and while the window is hidden. What no view
-    /// covers is white.
+    /// rectangles (device pixels, disjoint, few); empty when nothing changed, and while the window is hidden. What no
+    /// view covers is white.
     std::vector<PixelRect> drawFrame(double timestamp);
     /// True when no frame is needed and every view is idle.
     bool isIdle() const override;
@@ -61,9 +61,11 @@ public:
     /// For views: their answer to `isIdle` may have changed.
     void idleStateChanged();
 
-    /// Copies a rectangle of the store (clipped to it) to rows of R, G, B, A bytes (alpha 255), `target` being the whole image's first byte.
+    /// Copies a rectangle of the store (clipped to it) to rows of R, G, B, A bytes (alpha 255), `target` being the
+    /// whole image's first byte.
     void copyPixels(const PixelRect& rect, uint8_t* target, size_t stride) const;
-    /// The store (Cairo RGB24 in device pixels); null while the window is empty. For drawing tests and writing pictures.
+    /// The store (Cairo RGB24 in device pixels); null while the window is empty. For drawing tests and writing
+    /// pictures.
     cairo_surface_t* surface() const { return _surface; }
 
     /// For gesture recognisers.

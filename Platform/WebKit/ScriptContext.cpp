@@ -25,6 +25,12 @@ JSObjectRef objectProperty(JSContextRef context, JSObjectRef object, const char*
     return value && JSValueIsObject(context, value) ? JSValueToObject(context, value, nullptr) : nullptr;
 }
 
+/// What a holder knows of its context: the collector asks after that may be gone.
+struct HolderData {
+    JSGlobalContextRef context;
+    uint64_t serial;
+};
+
 void setHiddenProperty(JSContextRef context, JSObjectRef object, const char* name, JSObjectRef value) {
     JSStringRef key = JSStringCreateWithUTF8CString(name);
     JSObjectSetProperty(context, object, key, value, kJSPropertyAttributeDontEnum, nullptr);
@@ -57,11 +63,12 @@ ScriptContext::ScriptContext(JSGlobalContextRef context, JSObjectRef keeper) : _
         definition.finalize = holderFinalized;
         return JSClassCreate(&definition);
     }();
-    _holder = JSObjectMake(context, holderClass, new JSGlobalContextRef(context));
+    static uint64_t serial = 0;
+    _serial = ++serial;
+    _holder = JSObjectMake(context, holderClass, new HolderData{context, _serial});
     if (keeper) {
         // One frame object of the engine may serve as the keeper of several contexts: each has a name of its own.
-        static uint64_t serial = 0;
-        setHiddenProperty(context, keeper, ("veyraHolder" + std::to_string(++serial)).c_str(), _holder);
+        setHiddenProperty(context, keeper, ("veyraHolder" + std::to_string(_serial)).c_str(), _holder);
     } else {
         JSValueProtect(context, _holder);
         _holderProtected = true;
@@ -85,11 +92,11 @@ ScriptContext::~ScriptContext() = default;
 
 // The collector calls this, on whatever thread it sweeps: it touches neither the engine nor the context.
 void ScriptContext::holderFinalized(JSObjectRef holder) {
-    std::unique_ptr<JSGlobalContextRef> key(static_cast<JSGlobalContextRef*>(JSObjectGetPrivate(holder)));
-    webThread().async([context = *key, holder] {
+    const std::unique_ptr<HolderData> data(static_cast<HolderData*>(JSObjectGetPrivate(holder)));
+    webThread().async([context = data->context, serial = data->serial] {
         const auto found = registry().find(context);
-        // A newer context may have come to live at the same address.
-        if (found != registry().end() && found->second->_holder == holder) {
+        // A newer context may have come to live at the same address, and its holder at the address of this one.
+        if (found != registry().end() && found->second->_serial == serial) {
             const auto dead = found->second;
             dead->invalidate();
         }

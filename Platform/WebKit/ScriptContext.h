@@ -86,6 +86,7 @@ private:
     void reclaimSlots();
 
     JSGlobalContextRef const _context;
+    uint64_t _serial = 0; // tells contexts apart that lived at one address
     bool _alive = true;
     bool _suspended = false;
     int _callDepth = 0; // calls from and into scripts that are running

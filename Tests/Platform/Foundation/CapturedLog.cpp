@@ -41,9 +41,13 @@ void capture(bool on) {
 
 } // namespace
 
-CapturedLog::CapturedLog() { capture(true); }
+CapturedLog::CapturedLog() {
+    capture(true);
+}
 
-CapturedLog::~CapturedLog() { capture(false); }
+CapturedLog::~CapturedLog() {
+    capture(false);
+}
 
 std::vector<std::string> CapturedLog::lines() const {
     const std::lock_guard guard(mutex);

@@ -7,7 +7,9 @@
 namespace veyra {
 namespace {
 
-std::string textOf(const id& value) { return value.description().utf8(); }
+std::string textOf(const id& value) {
+    return value.description().utf8();
+}
 
 TEST(IdDescription, NamesNothingAndUndefined) {
     EXPECT_EQ(textOf(nullptr), "(null)");
@@ -44,7 +46,9 @@ TEST(IdDescription, GivesStringsAsTheyAre) {
     EXPECT_EQ(textOf(""), "");
 }
 
-TEST(IdDescription, GivesObjectsTheirClassName) { EXPECT_EQ(textOf(std::make_shared<NSNull>()), "NSNull"); }
+TEST(IdDescription, GivesObjectsTheirClassName) {
+    EXPECT_EQ(textOf(std::make_shared<NSNull>()), "NSNull");
+}
 
 TEST(IdDescription, WritesAnArrayWithAnElementALine) {
     EXPECT_EQ(textOf(NSArray{"latitude", "longitude"}), "(\n    latitude,\n    longitude\n)");

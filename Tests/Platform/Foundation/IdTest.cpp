@@ -15,7 +15,9 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-id nullObject() { return std::make_shared<NSNull>(); }
+id nullObject() {
+    return std::make_shared<NSNull>();
+}
 
 // A pointer is no boolean.
 static_assert(!std::is_constructible_v<id, void*>);

@@ -43,19 +43,29 @@ public:
 };
 
 Class Gauge::classObject() {
-    static const Class cls = new ClassObject(
-        "Gauge", NSObject::classObject(),
-        {bindMethod<&Gauge::setAny>("setAny:"), bindMethod<&Gauge::setReference>("setReference:"),
-         bindMethod<&Gauge::setFlag>("setFlag:"), bindMethod<&Gauge::setNumber>("setNumber:"),
-         bindMethod<&Gauge::setSingle>("setSingle:"), bindMethod<&Gauge::setCount>("setCount:"),
-         bindMethod<&Gauge::setAll>("setFirst:second:third:"), bindMethod<&Gauge::touch>("touch"),
-         bindMethod<&Gauge::anyValue>("anyValue"), bindMethod<&Gauge::text>("text"), bindMethod<&Gauge::flag>("flag"),
-         bindMethod<&Gauge::number>("number"), bindMethod<&Gauge::dictionary>("dictionary"),
-         bindMethod<&Gauge::array>("array"), bindMethod<&Gauge::constAny>("constAny"),
-         bindMethod<&Gauge::constText>("constText"), bindMethod<&Gauge::constFlag>("constFlag"),
-         bindMethod<&Gauge::constNumber>("constNumber"), bindMethod<&Gauge::constCount>("constCount"),
-         bindMethod<&Gauge::constNothing>("constNothing"), bindMethod<&Gauge::constArray>("constArray"),
-         bindMethod<&Gauge::sum>("sum:with:")});
+    static const Class cls = new ClassObject("Gauge", NSObject::classObject(),
+                                             {bindMethod<&Gauge::setAny>("setAny:"),
+                                              bindMethod<&Gauge::setReference>("setReference:"),
+                                              bindMethod<&Gauge::setFlag>("setFlag:"),
+                                              bindMethod<&Gauge::setNumber>("setNumber:"),
+                                              bindMethod<&Gauge::setSingle>("setSingle:"),
+                                              bindMethod<&Gauge::setCount>("setCount:"),
+                                              bindMethod<&Gauge::setAll>("setFirst:second:third:"),
+                                              bindMethod<&Gauge::touch>("touch"),
+                                              bindMethod<&Gauge::anyValue>("anyValue"),
+                                              bindMethod<&Gauge::text>("text"),
+                                              bindMethod<&Gauge::flag>("flag"),
+                                              bindMethod<&Gauge::number>("number"),
+                                              bindMethod<&Gauge::dictionary>("dictionary"),
+                                              bindMethod<&Gauge::array>("array"),
+                                              bindMethod<&Gauge::constAny>("constAny"),
+                                              bindMethod<&Gauge::constText>("constText"),
+                                              bindMethod<&Gauge::constFlag>("constFlag"),
+                                              bindMethod<&Gauge::constNumber>("constNumber"),
+                                              bindMethod<&Gauge::constCount>("constCount"),
+                                              bindMethod<&Gauge::constNothing>("constNothing"),
+                                              bindMethod<&Gauge::constArray>("constArray"),
+                                              bindMethod<&Gauge::sum>("sum:with:")});
     return cls;
 }
 
@@ -63,7 +73,9 @@ id perform(Gauge& gauge, SEL selector, const NSArray& arguments = {}) {
     return gauge.performSelector(selector, arguments);
 }
 
-std::string typesOf(SEL selector) { return Gauge::classObject()->method(selector)->types; }
+std::string typesOf(SEL selector) {
+    return Gauge::classObject()->method(selector)->types;
+}
 
 TEST(MethodBinding, HandsValuesThroughUnchanged) {
     Gauge gauge;

@@ -9,7 +9,9 @@
 namespace veyra {
 namespace {
 
-double read(std::string_view text) { return NSString(text).doubleValue(); }
+double read(std::string_view text) {
+    return NSString(text).doubleValue();
+}
 
 TEST(NSStringNumber, ReadsTheLongestDecimalPrefix) {
     EXPECT_EQ(read("5"), 5);

@@ -11,7 +11,9 @@ namespace {
 
 using namespace std::string_literals;
 
-std::u16string unitsOf(std::string_view utf8) { return std::u16string(NSString(utf8).units()); }
+std::u16string unitsOf(std::string_view utf8) {
+    return std::u16string(NSString(utf8).units());
+}
 
 TEST(NSString, StartsEmpty) {
     EXPECT_TRUE(NSString().isEmpty());
@@ -52,8 +54,8 @@ TEST(NSString, ReplacesEachMalformedSequenceOnce) {
     EXPECT_EQ(unitsOf("\xc3"), u"\xfffd");
     EXPECT_EQ(unitsOf("\xe2\x82z"), u"\xfffdz");
     EXPECT_EQ(unitsOf("\xf0\x9f\x97"), u"\xfffd");
-    EXPECT_EQ(unitsOf("\xc0\xaf"), u"\xfffd\xfffd");                   // overlong
-    EXPECT_EQ(unitsOf("\xed\xa0\x80"), u"\xfffd\xfffd\xfffd");         // a surrogate
+    EXPECT_EQ(unitsOf("\xc0\xaf"), u"\xfffd\xfffd");                     // overlong
+    EXPECT_EQ(unitsOf("\xed\xa0\x80"), u"\xfffd\xfffd\xfffd");           // a surrogate
     EXPECT_EQ(unitsOf("\xf4\x90\x80\x80"), u"\xfffd\xfffd\xfffd\xfffd"); // beyond the last character
     EXPECT_EQ(unitsOf("\xff\xc3\xa9"), u"\xfffd\u00e9");
 }
@@ -80,9 +82,10 @@ TEST(NSString, RaisesARangeExceptionForASubstringPastTheEnd) {
               "NSRangeException: -[NSString substringWithRange:]: Range {4, 2} out of bounds; string length 5");
     EXPECT_EQ(raisedBy([] { NSString("a").substringWithRange(2, 0); }),
               "NSRangeException: -[NSString substringWithRange:]: Range {2, 0} out of bounds; string length 1");
-    EXPECT_EQ(raisedBy([] { NSString("abc").substringWithRange(2, SIZE_MAX); }),
-              "NSRangeException: -[NSString substringWithRange:]: Range {2, 18446744073709551615} out of bounds; string "
-              "length 3");
+    EXPECT_EQ(
+        raisedBy([] { NSString("abc").substringWithRange(2, SIZE_MAX); }),
+        "NSRangeException: -[NSString substringWithRange:]: Range {2, 18446744073709551615} out of bounds; string "
+        "length 3");
 }
 
 TEST(NSString, ReplacesEveryOccurrenceOfAUnit) {

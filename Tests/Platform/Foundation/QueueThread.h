@@ -9,15 +9,19 @@ namespace veyra {
 
 class QueueThread {
 public:
-    QueueThread() : _context(g_main_context_new()), _loop(g_main_loop_new(_context, FALSE)), _thread([this] { run(); }) {}
+    QueueThread()
+        : _context(g_main_context_new()), _loop(g_main_loop_new(_context, FALSE)), _thread([this] { run(); }) {}
     ~QueueThread() {
-        g_main_context_invoke(
-            _context,
+        GSource* const quit = g_idle_source_new(); // runs only once the loop does
+        g_source_set_callback(
+            quit,
             [](gpointer loop) -> gboolean {
                 g_main_loop_quit(static_cast<GMainLoop*>(loop));
                 return G_SOURCE_REMOVE;
             },
-            _loop);
+            _loop, nullptr);
+        g_source_attach(quit, _context);
+        g_source_unref(quit);
         _thread.join();
         g_main_loop_unref(_loop);
         g_main_context_unref(_context);

@@ -3,13 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <deque>
 #include <thread>
 
 namespace veyra {
 namespace {
 
-id one(NSObject&, std::span<const id>) { return 1; }
-id two(NSObject&, std::span<const id>) { return 2; }
+id one(NSObject&, std::span<const id>) {
+    return 1;
+}
+id two(NSObject&, std::span<const id>) {
+    return 2;
+}
 
 Class baseClass() {
     static const Class cls =
@@ -76,14 +81,20 @@ TEST(Runtime, ShowsNothingToScriptsUnlessToldTo) {
 }
 
 TEST(Runtime, ReplacesAndAddsMethods) {
-    ClassObject* const parent = new ClassObject("RuntimeTestParent", nullptr, {{"value", "@@:", one}});
-    ClassObject* const child = new ClassObject("RuntimeTestChild", parent, {});
+    static auto& classes = *new std::deque<ClassObject>; // classes live for ever
+    ClassObject* const parent =
+        &classes.emplace_back("RuntimeTestParent", nullptr, std::vector<Method>{{"value", "@@:", one}});
+    ClassObject* const child = &classes.emplace_back("RuntimeTestChild", parent, std::vector<Method>{});
     EXPECT_EQ(class_replaceMethod(child, "value", two, "@@:"), nullptr); // added over the inherited one
     EXPECT_EQ(child->implementation("value"), two);
     EXPECT_EQ(parent->implementation("value"), one);
     EXPECT_EQ(class_replaceMethod(child, "value", one, "d@:"), two);
     EXPECT_EQ(child->method("value")->types, "d@:");
     EXPECT_EQ(child->methods().size(), 1U);
+}
+
+TEST(Runtime, ReplacesNothingInNoClass) {
+    EXPECT_EQ(class_replaceMethod(nullptr, "value", one, "@@:"), nullptr);
 }
 
 TEST(Runtime, MayBeAskedWhileAMethodIsReplaced) {

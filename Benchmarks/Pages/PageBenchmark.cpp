@@ -1,0 +1,168 @@
+// Measures the map in a page: first frame, panning and zooming on the screen, idle cost, reads through the bridge,
+// pages that were left. Prints one line a figure. Starts a virtual display for itself.
+#include "Benchmarks/Pages/PageHost.h"
+#include "Benchmarks/Pages/ScreenFrames.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace veyra::benchmark;
+
+extern char** environ;
+
+namespace {
+
+// An Xvfb whose screen can be watched; ends with the program.
+class VirtualDisplay {
+public:
+    VirtualDisplay() {
+        char name[] = "/tmp/veyra-benchmark-XXXXXX";
+        _folder = mkdtemp(name);
+        int ends[2];
+        if (pipe(ends) != 0)
+            exit(1);
+        const std::string number = std::to_string(ends[1]);
+        const char* arguments[] = {"Xvfb",   "-displayfd",    number.c_str(), "-screen", "0",    "1280x1024x24",
+                                   "-fbdir", _folder.c_str(), "-nolisten",    "tcp",     nullptr};
+        if (posix_spawnp(&_process, "Xvfb", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0) {
+            std::cerr << "Xvfb cannot be started; install the package xvfb\n";
+            exit(1);
+        }
+        close(ends[1]);
+        char display[16] = ":";
+        if (read(ends[0], display + 1, sizeof display - 2) <= 0)
+            exit(1);
+        close(ends[0]);
+        display[strcspn(display, "\n")] = 0;
+        setenv("DISPLAY", display, 1);
+    }
+    ~VirtualDisplay() {
+        kill(_process, SIGTERM);
+        waitpid(_process, nullptr, 0);
+        std::filesystem::remove_all(_folder);
+    }
+    const std::string& folder() const { return _folder; }
+
+private:
+    std::string _folder;
+    pid_t _process = 0;
+};
+
+void figure(const std::string& name, double value, const char* unit) {
+    std::printf("%-58s %9.2f %s\n", name.c_str(), value, unit);
+    std::fflush(stdout);
+}
+
+void measureFirstFrame(PageHost& host) {
+    std::vector<double> times;
+    host.run("await firstFrame({ latitude: 0, longitude: 0, latitudeDelta: 100, longitudeDelta: 100 })");
+    for (int i = 0; i < 12; ++i) {
+        const std::string place = "{ latitude: " + std::to_string(-30 + 6 * i) +
+                                  ".5, longitude: " + std::to_string(-100 + 17 * i) +
+                                  ".5, latitudeDelta: 12, longitudeDelta: 12 }";
+        times.push_back(std::atof(host.run("return await firstFrame(" + place + ")").c_str()));
+    }
+    figure("insertion to first complete frame, warm process, median", median(times), "ms");
+    figure("insertion to first complete frame, worst of 12", *std::max_element(times.begin(), times.end()), "ms");
+}
+
+void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::string& script) {
+    host.wait(0.5);
+    const int process = host.webProcess();
+    const auto before = host.statistics();
+    const double total = processSeconds(process), ours = threadSeconds(process, "veyra-main"),
+                 workers = threadSeconds(process, "veyra-tiles");
+    screen.start(100, 100, 800, 500);
+    host.run(script);
+    const auto gaps = screen.stop();
+    const auto after = host.statistics();
+    const double frames = static_cast<double>(after.at("frames-put") - before.at("frames-put"));
+    auto sorted = gaps;
+    std::sort(sorted.begin(), sorted.end());
+    double sum = 0;
+    for (const double gap : gaps)
+        sum += gap;
+    figure(name + ": frames a second on the screen", 1000 * static_cast<double>(gaps.size()) / sum, "");
+    figure(name + ": gap between frames, 95th percentile", sorted[sorted.size() * 95 / 100], "ms");
+    figure(name + ": map thread, a frame", 1000 * (threadSeconds(process, "veyra-main") - ours) / frames, "ms cpu");
+    figure(name + ": tile workers, a frame", 1000 * (threadSeconds(process, "veyra-tiles") - workers) / frames,
+           "ms cpu");
+    figure(name + ": whole web process, a frame", 1000 * (processSeconds(process) - total) / frames, "ms cpu");
+}
+
+void measureIdle(PageHost& host) {
+    host.wait(2);
+    const int process = host.webProcess();
+    const auto before = host.statistics();
+    const double busy = processSeconds(process);
+    host.wait(10);
+    const auto after = host.statistics();
+    figure("idle: processor", 100 * (processSeconds(process) - busy) / 10, "% of a core");
+    figure("idle: animation frames requested in 10 s",
+           static_cast<double>(after.at("animation-frames-requested") - before.at("animation-frames-requested")), "");
+}
+
+void measureReads(PageHost& host) {
+    const std::string answer = host.run("return read(['bareAccessor', 'zoomEnabled', 'mapType'])");
+    double bare = 0, boolean = 0, number = 0;
+    if (std::sscanf(answer.c_str(), "[%lf,%lf,%lf]", &bare, &boolean, &number) != 3) {
+        std::cerr << "no read times: " << answer << '\n';
+        return;
+    }
+    figure("read of a bare native accessor on an <object>", bare, "ns");
+    figure("read of zoomEnabled", boolean, "ns");
+    figure("read of mapType", number, "ns");
+    figure("read of zoomEnabled / bare accessor", boolean / bare, "times");
+}
+
+void measureLeftPages(PageHost& host, const std::string& page) {
+    for (int i = 0; i < 200; ++i) {
+        host.load(page + "?" + std::to_string(i));
+        host.run(
+            "insert(); map.setRegion({ latitude: 10, longitude: 10, latitudeDelta: 5, longitudeDelta: 5 }, false)");
+    }
+    host.load("about:blank");
+    for (int i = 0; i < 10; ++i) {
+        host.wait(0.3);
+        host.collectGarbage();
+    }
+    const auto left = host.statistics();
+    figure("200 left pages: views alive", static_cast<double>(left.at("views")), "");
+    figure("200 left pages: script contexts alive", static_cast<double>(left.at("contexts")), "");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const VirtualDisplay display;
+    gtk_init(&argc, &argv);
+    ScreenFrames screen(display.folder());
+    const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html";
+    const std::string world =
+        "insert(); map.setRegion({ latitude: 48, longitude: 10, latitudeDelta: 20, longitudeDelta: 20 }, false);"
+        "await new Promise(r => setTimeout(r, 1500));";
+    for (const bool composited : {false, true}) {
+        PageHost host({VEYRA_EXTENSIONS, composited, 1024, 768});
+        host.load(page);
+        const std::string way = composited ? " (engine's default way to the screen)" : "";
+        if (!composited) {
+            measureFirstFrame(host);
+        }
+        host.run(world);
+        measureMotion(host, screen, "pan" + way, "await pan(600, 48, 10, 3)");
+        measureMotion(host, screen, "zoom" + way, "await zoom(600, 48, 10)");
+        if (!composited) {
+            measureIdle(host);
+            measureReads(host);
+            measureLeftPages(host, page);
+        }
+    }
+}

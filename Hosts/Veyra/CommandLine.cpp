@@ -1,0 +1,128 @@
+#include "Hosts/Veyra/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+constexpr int largestSide = 16384; // device pixels
+constexpr double snapshotTimeout = 30;
+
+std::optional<int> readSide(std::string_view text) {
+    int side = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
+    if (error != std::errc() || end != text.data() + text.size() || side < 1 || side > largestSide)
+        return std::nullopt;
+    return side;
+}
+
+void readSize(const std::string& text, CommandLine& line) {
+    const size_t separator = text.find('x');
+    const auto width = readSide(std::string_view(text).substr(0, separator));
+    const auto height = separator == std::string::npos ? std::nullopt
+                                                       : readSide(std::string_view(text).substr(separator + 1));
+    if (!width || !height)
+        throw CLI::ValidationError("--size", text + " is no size such as 1024x768, with sides of 1 to 16384");
+    line.width = *width;
+    line.height = *height;
+}
+
+void addSizeAndScale(CLI::App& command, CommandLine& line) {
+    command.add_option_function<std::string>("--size", [&line](const std::string& text) { readSize(text, line); },
+                                             "width and height in CSS pixels (1024x768)")
+        ->type_name("WxH");
+    command.add_option("--scale", line.scale, "device pixels a CSS pixel (1)")->type_name("S");
+}
+
+void addTimeout(CLI::App& command, CommandLine& line, const char* description) {
+    command.add_option("--timeout", line.timeout, description)
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1e-3, 1e6));
+}
+
+void addPage(CLI::App& command, CommandLine& line) {
+    command.add_option("PAGE", line.input, "the page: an address or a file")->required();
+}
+
+void addOpen(CLI::App& app, CommandLine& line) {
+    CLI::App* open = app.add_subcommand("open", "show a page in a window, and its console in the terminal");
+    CLI::Option* page = open->add_option("PAGE", line.input, "the page: an address or a file");
+    // For WebKitWebDriver, which opens pages itself.
+    CLI::Option* automation = open->add_flag("--automation", line.automation)->group("");
+    open->final_callback([page, automation] {
+        if (page->empty() == automation->empty())
+            throw CLI::RequiredError("PAGE");
+    });
+}
+
+void checkPictureSize(const CommandLine& line) {
+    if (std::max(line.width, line.height) * line.scale > largestSide)
+        throw CLI::ValidationError("--scale", "the picture would be larger than 16384 pixels a side");
+}
+
+void addSnapshot(CLI::App& app, CommandLine& line) {
+    CLI::App* snapshot = app.add_subcommand("snapshot", "write a picture of a page once all its maps are complete");
+    addPage(*snapshot, line);
+    snapshot->add_option("--output", line.output, "the picture to write (PNG)")->type_name("F.png")->required();
+    addSizeAndScale(*snapshot, line);
+    snapshot
+        ->add_option("--wait-for-title", line.titlePrefix,
+                     "take the picture when the page's title begins so, whatever its maps do")
+        ->type_name("PREFIX");
+    addTimeout(*snapshot, line, "give up after so long (30)");
+    snapshot->final_callback([&line] {
+        // GTK 3 knows whole scales only.
+        if (line.scale != std::floor(line.scale) || line.scale < 1 || line.scale > 8)
+            throw CLI::ValidationError("--scale", "the scale of a page is a whole number from 1 to 8");
+        checkPictureSize(line);
+        if (!line.timeout)
+            line.timeout = snapshotTimeout;
+    });
+}
+
+void addScript(CLI::App& app, CommandLine& line) {
+    CLI::App* script = app.add_subcommand("script", "run a script with a map, without page and display");
+    script->add_option("FILE", line.input, "the script")->type_name("FILE.js")->required();
+    script->add_option("--output", line.output, "write a picture of the map at the end (PNG)")->type_name("F.png");
+    addSizeAndScale(*script, line);
+    addTimeout(*script, line, "give up after so long (no limit)");
+    script->final_callback([&line] {
+        if (!(line.scale >= 0.25 && line.scale <= 8))
+            throw CLI::ValidationError("--scale", "the scale of a script's map is a number from 0.25 to 8");
+        checkPictureSize(line);
+    });
+}
+
+CommandLine::Command chosenCommand(const CLI::App& app) {
+    if (app.got_subcommand("open"))
+        return CommandLine::Command::Open;
+    return app.got_subcommand("snapshot") ? CommandLine::Command::Snapshot : CommandLine::Command::Script;
+}
+
+} // namespace
+
+std::variant<CommandLine, ExitStatus> readCommandLine(int argc, char** argv) {
+    CommandLine line;
+    CLI::App app("Native interactive maps in web pages.", "veyra");
+    app.set_version_flag("--version", "veyra " VEYRA_VERSION);
+    app.add_flag("--verbose", line.verbose, "log what a map quietly ignores");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.get_formatter()->column_width(34);
+    addOpen(app, line);
+    addSnapshot(app, line);
+    addScript(app, line);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::BadArguments;
+    }
+    line.command = chosenCommand(app);
+    return line;
+}
+
+} // namespace veyra

@@ -1,0 +1,98 @@
+#include "Hosts/Veyra/OpenCommand.h"
+
+#include "Hosts/Veyra/ConsolePipe.h"
+#include "Hosts/Veyra/VirtualDisplay.h"
+#include "Hosts/Veyra/WebSetup.h"
+
+#include <glib-unix.h>
+
+namespace veyra {
+
+namespace {
+
+gboolean quit(gpointer) {
+    gtk_main_quit();
+    return G_SOURCE_CONTINUE;
+}
+
+void titleChanged(WebKitWebView* view, GParamSpec*, GtkWindow* window) {
+    const char* title = webkit_web_view_get_title(view);
+    gtk_window_set_title(window, title && *title ? title : "veyra");
+}
+
+// The web engine shows its own page about the failure; the window stays.
+gboolean loadFailed(WebKitWebView*, WebKitLoadEvent, const char* address, GError* error, gpointer) {
+    const std::string problem = loadProblem(address, error);
+    if (!problem.empty())
+        g_printerr("veyra: %s\n", problem.c_str());
+    return FALSE;
+}
+
+void webProcessEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer) {
+    g_printerr("veyra: the web process has ended; reload the page to start it again\n");
+}
+
+/// The window shows the view and ends with it; closing it ends the program.
+void showInWindow(WebKitWebView* view, int width, int height) {
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_default_size(GTK_WINDOW(window), width, height);
+    gtk_window_set_title(GTK_WINDOW(window), "veyra");
+    gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(view));
+    g_signal_connect(view, "notify::title", G_CALLBACK(titleChanged), window);
+    g_signal_connect(view, "load-failed", G_CALLBACK(loadFailed), nullptr);
+    g_signal_connect(view, "web-process-terminated", G_CALLBACK(webProcessEnded), nullptr);
+    g_signal_connect_swapped(view, "close", G_CALLBACK(gtk_widget_destroy), window);
+    g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
+    gtk_widget_grab_focus(GTK_WIDGET(view));
+    gtk_widget_show_all(window);
+}
+
+struct AutomatedWindows {
+    WebKitWebContext* context;
+    int width, height;
+};
+
+WebKitWebView* createAutomatedView(WebKitAutomationSession*, AutomatedWindows* windows) {
+    WebKitWebView* view = makeWebView(windows->context, true);
+    showInWindow(view, windows->width, windows->height);
+    return view;
+}
+
+void automationStarted(WebKitWebContext*, WebKitAutomationSession* session, AutomatedWindows* windows) {
+    WebKitApplicationInfo* info = webkit_application_info_new();
+    webkit_application_info_set_name(info, "veyra");
+    webkit_automation_session_set_application_info(session, info);
+    webkit_application_info_unref(info);
+    g_signal_connect(session, "create-web-view", G_CALLBACK(createAutomatedView), windows);
+}
+
+} // namespace
+
+Outcome runOpen(const CommandLine& line) {
+    if (line.verbose)
+        g_setenv("VEYRA_VERBOSE", "1", TRUE);
+    std::unique_ptr<VirtualDisplay> display;
+    Outcome outcome = startGtk(false, display);
+    if (outcome.status != ExitStatus::Success)
+        return outcome;
+    WebKitWebContext* context = makeWebContext(outcome);
+    if (!context)
+        return outcome;
+    const ConsolePipe console;
+    AutomatedWindows windows{context, line.width, line.height};
+    if (line.automation) {
+        webkit_web_context_set_automation_allowed(context, TRUE);
+        g_signal_connect(context, "automation-started", G_CALLBACK(automationStarted), &windows);
+    } else {
+        WebKitWebView* view = makeWebView(context);
+        showInWindow(view, line.width, line.height);
+        webkit_web_view_load_uri(view, addressOfPage(line.input).c_str());
+    }
+    g_unix_signal_add(SIGINT, quit, nullptr);
+    g_unix_signal_add(SIGTERM, quit, nullptr);
+    gtk_main();
+    g_object_unref(context);
+    return {};
+}
+
+} // namespace veyra

@@ -1,0 +1,96 @@
+#include "Hosts/WebExtension/MapElement.h"
+
+#include "Hosts/WebExtension/PageMessages.h"
+
+namespace veyra {
+
+namespace {
+
+std::unordered_map<JSObjectRef, MapElement*>& wrappers() {
+    static auto* table = new std::unordered_map<JSObjectRef, MapElement*>;
+    return *table;
+}
+
+using HandleData = std::weak_ptr<MapElement>;
+
+// The collector calls this: it touches nothing of the engine.
+void handleFinalized(JSObjectRef handle) { delete static_cast<HandleData*>(JSObjectGetPrivate(handle)); }
+
+JSClassRef handleClass() {
+    static JSClassRef cls = [] {
+        JSClassDefinition definition = kJSClassDefinitionEmpty;
+        definition.className = "VeyraMapHandle";
+        definition.attributes = kJSClassAttributeNoAutomaticPrototype;
+        definition.finalize = handleFinalized;
+        return JSClassCreate(&definition);
+    }();
+    return cls;
+}
+
+} // namespace
+
+std::shared_ptr<MapElement> MapElement::start(const PlugInElement& element, JSGlobalContextRef context,
+                                              JSObjectRef surface) {
+    auto instance = PlugInInstance::create(element);
+    if (!instance)
+        return nullptr;
+    std::shared_ptr<MapElement> map(new MapElement(std::move(instance)));
+    map->_presenter =
+        std::make_shared<FramePresenter>(map->window(), context, surface, [] { answerWaitingMessages(); });
+    map->_presenter->start();
+    return map;
+}
+
+MapElement::~MapElement() { stop(); }
+
+void MapElement::stop() {
+    forgetWrapper();
+    _presenter->stop();
+    _instance->stop();
+    answerWaitingMessages();
+}
+
+JSObjectRef MapElement::makeHandle() {
+    return JSObjectMake(_presenter->surface().context(), handleClass(), new HandleData(weak_from_this()));
+}
+
+std::shared_ptr<MapElement> MapElement::fromHandle(JSContextRef context, JSValueRef handle) {
+    if (!handle || !JSValueIsObjectOfClass(context, handle, handleClass()))
+        return nullptr;
+    const auto map =
+        static_cast<HandleData*>(JSObjectGetPrivate(JSValueToObject(context, handle, nullptr)))->lock();
+    return map && map->view() ? map : nullptr;
+}
+
+MapElement* MapElement::behindWrapper(JSObjectRef wrapper) {
+    const auto found = wrappers().find(wrapper);
+    return found == wrappers().end() ? nullptr : found->second;
+}
+
+void MapElement::setWrapper(JSObjectRef wrapper) {
+    if (_isPageHidden)
+        return;
+    forgetWrapper();
+    _presenter->surface().keepAlive(wrapper);
+    _wrapper = wrapper;
+    wrappers()[wrapper] = this;
+}
+
+void MapElement::pageHidden() {
+    _isPageHidden = true;
+    forgetWrapper();
+    _presenter->suspend();
+}
+
+void MapElement::pageShown() {
+    _isPageHidden = false;
+    _presenter->resume();
+}
+
+void MapElement::forgetWrapper() {
+    if (_wrapper)
+        wrappers().erase(_wrapper);
+    _wrapper = nullptr;
+}
+
+} // namespace veyra

@@ -1,0 +1,33 @@
+// Unpacked cells of a base map, the most recently used ones, bounded in bytes. Any thread; two threads that ask for the same
+// cell at once may both unpack it.
+#pragma once
+
+#include "Platform/Foundation/NSLock.h"
+#include "Platform/MapKit/Basemap/BasemapFile.h"
+
+#include <list>
+#include <memory>
+#include <unordered_map>
+
+namespace veyra {
+
+class MKBasemapCells {
+public:
+    explicit MKBasemapCells(size_t byteLimit) : _byteLimit(byteLimit) {}
+
+    /// `file` is the same one each time. Throws BasemapError when the cell is damaged.
+    std::shared_ptr<const BasemapCell> cell(const BasemapFile& file, BasemapCellId id) VEYRA_EXCLUDES(_lock);
+
+private:
+    using Order = std::list<std::shared_ptr<const BasemapCell>>; // most recently used first
+    std::shared_ptr<const BasemapCell> find(uint64_t key) VEYRA_EXCLUDES(_lock);
+    void insert(uint64_t key, const std::shared_ptr<const BasemapCell>& cell) VEYRA_EXCLUDES(_lock);
+
+    const size_t _byteLimit;
+    NSLock _lock;
+    size_t _byteSize VEYRA_GUARDED_BY(_lock) = 0;
+    Order _order VEYRA_GUARDED_BY(_lock);
+    std::unordered_map<uint64_t, Order::iterator> _entries VEYRA_GUARDED_BY(_lock);
+};
+
+} // namespace veyra

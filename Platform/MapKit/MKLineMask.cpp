@@ -1,0 +1,101 @@
+#include "Platform/MapKit/MKLineMask.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+uint32_t blended(uint32_t under, uint32_t over, uint32_t coverage) {
+    // Two channels at a time; 255 counts as 256 so that full coverage is the colour itself.
+    const uint32_t weight = coverage + (coverage >> 7);
+    const uint32_t redBlue = ((under & 0xff00ff) * (256 - weight) + (over & 0xff00ff) * weight) >> 8 & 0xff00ff;
+    const uint32_t green = ((under & 0x00ff00) * (256 - weight) + (over & 0x00ff00) * weight) >> 8 & 0x00ff00;
+    return redBlue | green;
+}
+
+} // namespace
+
+struct MKLineMask::Segment {
+    double x, y;             // its beginning
+    double ux, uy, length;   // direction and length
+    double reach, thickness; // distance beyond which a pixel is untouched, and the greatest coverage
+};
+
+MKLineMask::MKLineMask(int side)
+    : _side(side), _coverage(static_cast<size_t>(side) * static_cast<size_t>(side)), _firstRow(side), _lastRow(-1) {}
+
+void MKLineMask::addSegment(double fromX, double fromY, double toX, double toY) {
+    const double dx = toX - fromX, dy = toY - fromY;
+    const double length = std::sqrt(dx * dx + dy * dy);
+    const double reach = _width / 2 + 0.5;
+    const Segment segment{.x = fromX,
+                          .y = fromY,
+                          .ux = length > 0 ? dx / length : 1,
+                          .uy = length > 0 ? dy / length : 0,
+                          .length = length,
+                          .reach = reach,
+                          .thickness = std::min(_width, 1.0)};
+    // Along the longer axis, line of pixels by line of pixels, and across it as far as the segment reaches there.
+    const bool rows = std::abs(dy) > std::abs(dx);
+    const double slope = rows ? dx / dy : (dx != 0 ? dy / dx : 0);
+    const double start = rows ? fromY : fromX, end = rows ? toY : toX;
+    const double crossStart = rows ? fromX : fromY;
+    const double crossLow = rows ? std::min(fromX, toX) : std::min(fromY, toY);
+    const double crossHigh = rows ? std::max(fromX, toX) : std::max(fromY, toY);
+    const double half = reach * std::sqrt(1 + slope * slope);
+    const int first = std::max(0, static_cast<int>(std::floor(std::min(start, end) - reach)));
+    const int last = std::min(_side - 1, static_cast<int>(std::ceil(std::max(start, end) + reach)));
+    for (int line = first; line <= last; ++line) {
+        const double middle = std::clamp(crossStart + (line + 0.5 - start) * slope, crossLow, crossHigh);
+        addSpan(segment, rows, line, middle - half, middle + half);
+    }
+}
+
+void MKLineMask::addSpan(const Segment& segment, bool rows, int line, double low, double high) {
+    const int first = std::max(0, static_cast<int>(std::floor(low)));
+    const int last = std::min(_side - 1, static_cast<int>(std::floor(high)));
+    for (int cross = first; cross <= last; ++cross) {
+        const int column = rows ? cross : line, row = rows ? line : cross;
+        const double px = column + 0.5 - segment.x, py = row + 0.5 - segment.y;
+        const double along = px * segment.ux + py * segment.uy;
+        double distance = std::abs(px * segment.uy - py * segment.ux);
+        if (along < 0 || along > segment.length) {
+            const double beyond = along < 0 ? along : along - segment.length;
+            distance = std::sqrt(distance * distance + beyond * beyond);
+        }
+        const double coverage = std::min(segment.reach - distance, segment.thickness);
+        if (coverage > 0) {
+            uint8_t& pixel = _coverage[static_cast<size_t>(row) * static_cast<size_t>(_side) +
+                                       static_cast<size_t>(column)];
+            pixel = std::max(pixel, static_cast<uint8_t>(coverage * 255 + 0.5));
+            _firstRow = std::min(_firstRow, row);
+            _lastRow = std::max(_lastRow, row);
+        }
+    }
+}
+
+void MKLineMask::paint(cairo_surface_t* surface, MKTileColor color) {
+    if (_firstRow > _lastRow) {
+        return;
+    }
+    cairo_surface_flush(surface);
+    unsigned char* const pixels = cairo_image_surface_get_data(surface);
+    const auto stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
+    for (int row = _firstRow; row <= _lastRow; ++row) {
+        uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_side)];
+        auto* const target = reinterpret_cast<uint32_t*>(pixels + static_cast<size_t>(row) * stride);
+        for (int column = 0; column < _side; ++column) {
+            if (coverage[column] != 0) {
+                target[column] = blended(target[column], color, coverage[column]);
+                coverage[column] = 0;
+            }
+        }
+    }
+    cairo_surface_mark_dirty_rectangle(surface, 0, _firstRow, _side, _lastRow - _firstRow + 1);
+    _firstRow = _side;
+    _lastRow = -1;
+}
+
+} // namespace veyra

@@ -1,0 +1,2 @@
+// Runs while the parser stands right behind the first map.
+const typeOfMapTypeWhileParsing = typeof document.getElementById('parsed').mapType;

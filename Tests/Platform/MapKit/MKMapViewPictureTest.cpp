@@ -1,0 +1,118 @@
+// What the built-in world looks like on the map, by colours at places.
+#include "Tests/Platform/MapKit/MapFixture.h"
+
+#include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKBasemapStyle.h"
+
+#include <cairo.h>
+
+namespace veyra {
+
+namespace {
+
+class MKMapViewPicture : public MapTest {
+protected:
+    MKMapViewPicture() { map->setTileSource(MKBasemapSource::shared()); }
+    const MKBasemapStyle& style = MKBasemapStyle::forMapType(MKMapTypeStandard);
+};
+
+struct Place {
+    const char* name;
+    CLLocationCoordinate2D coordinate;
+    bool isLand;
+};
+const Place places[] = {
+    {"Congo basin", {1, 22}, true},        {"Sahara", {22, 5}, true},         {"Kansas", {38.5, -98.5}, true},
+    {"Siberia", {63, 110}, true},          {"Australia", {-25, 133}, true},   {"Antarctica", {-80, 60}, true},
+    {"mid Pacific", {5, -150}, false},     {"mid Atlantic", {30, -45}, false}, {"Indian Ocean", {-30, 80}, false},
+    {"Mediterranean", {34.5, 20}, false},  {"Lake Victoria", {-1, 33}, false},
+};
+
+} // namespace
+
+TEST_F(MKMapViewPicture, ShowsLandAndWaterWhereTheyAreAtEveryZoom) {
+    show({800, 600});
+    for (const Place& place : places) {
+        for (const double span : {100.0, 20.0, 3.0, 0.37, 0.001}) {
+            map->setRegion({place.coordinate, {span, span}});
+            settle();
+            EXPECT_EQ(pixelAt(place.coordinate), place.isLand ? style.land : style.sea)
+                << place.name << " at a span of " << span;
+        }
+    }
+}
+
+TEST_F(MKMapViewPicture, ShowsBothSidesOfTheAntimeridian) {
+    show({800, 600});
+    map->setCenterCoordinate({0, 180});
+    settle();
+    // The world is 800 pixels wide: Africa lies at the right end, South America left of it.
+    const double world = 800;
+    const auto x = [&](double longitude) { return static_cast<int>(400 + (longitude - 180) / 360 * world); };
+    EXPECT_EQ(pixelAt(x(22), 297), style.land);
+    EXPECT_EQ(pixelAt(x(22 + 360 - 12), 297), style.land);
+    EXPECT_EQ(pixelAt(x(180), 297), style.sea);
+    EXPECT_EQ(pixelAt(x(360 - 60), 310), style.land); // Amazon
+    EXPECT_EQ(pixelAt(x(133), 360), style.land);      // Australia
+}
+
+TEST_F(MKMapViewPicture, HasNoSeamInTheLandAtTheAntimeridian) {
+    show({800, 600});
+    for (const double span : {30.0, 9.3, 4.1}) {
+        map->setRegion({{67.3, 180}, {0.1, span}}); // Chukotka runs across it
+        settle();
+        for (int column = 380; column < 420; ++column) {
+            EXPECT_EQ(pixelAt(column, 300), style.land) << column << " at a span of " << span;
+        }
+    }
+}
+
+TEST_F(MKMapViewPicture, IsTheSameWhetherPannedToOrSetAtOnce) {
+    show({400, 300}, 2);
+    map->setRegion({{45, 9}, {3, 3}});
+    settle();
+    key("ArrowRight");
+    frames(30);
+    settle();
+    std::vector<uint32_t> panned;
+    for (int y = 0; y < 600; ++y) {
+        for (int x = 0; x < 800; ++x) {
+            panned.push_back(pixelAt(x, y));
+        }
+    }
+    const MKCoordinateRegion region = map->region();
+    map->setCenterCoordinate({-30, -60});
+    settle();
+    map->setCenterCoordinate(region.center);
+    settle();
+    size_t different = 0;
+    for (size_t i = 0; i < panned.size(); ++i) {
+        different += panned[i] != pixelAt(static_cast<int>(i % 800), static_cast<int>(i / 800));
+    }
+    EXPECT_EQ(different, 0u);
+}
+
+TEST_F(MKMapViewPicture, EachMapTypeHasItsColours) {
+    show({400, 300});
+    for (const MKMapType type : {MKMapTypeStandard, MKMapTypeSatellite, MKMapTypeHybrid}) {
+        map->setMapType(type);
+        settle();
+        EXPECT_EQ(pixelAt({22, 5}), MKBasemapStyle::forMapType(type).land);
+        EXPECT_EQ(pixelAt({5, -150}), MKBasemapStyle::forMapType(type).sea);
+    }
+}
+
+TEST_F(MKMapViewPicture, StaysCoveredWithTheWorldDuringAFlight) {
+    show({400, 300});
+    map->setRegion({{22, 5}, {1, 1}});
+    settle();
+    map->setRegionAnimated({{63, 110}, {1, 1}}, true);
+    for (int i = 0; i < 10; ++i) {
+        frame();
+        EXPECT_EQ(pixelAt(200, 150), style.land);
+    }
+    settle();
+    EXPECT_EQ(pixelAt(200, 150), style.land);
+}
+
+} // namespace veyra

@@ -10,15 +10,6 @@
 
 namespace veyra {
 
-namespace {
-
-// Points are taken in single precision.
-double singlePrecision(double value) {
-    return static_cast<double>(static_cast<float>(value));
-}
-
-} // namespace
-
 id VeyraView::regionThatFits(const id& region) {
     if (!VeyraValidateWebScriptObject(
             region, VeyraRegionSO::classObject(), callerName("regionThatFits:"),
@@ -54,8 +45,10 @@ id VeyraView::convertPointToCoordinate(const id& point) {
     if (!VeyraValidateWebScriptObject(point, VeyraPointSO::classObject(), callerName("convertPointToCoordinate:"),
                                       {kOstrelPointX, kOstrelPointY}))
         return id();
-    const double x = singlePrecision(geometryValueForKey(*point.object(), kOstrelPointX));
-    const double y = singlePrecision(geometryValueForKey(*point.object(), kOstrelPointY));
+    // Points are taken in single precision. Each is narrowed where it is read: g++ 12 loses the narrowing of a pair of
+    // numbers when it vectorises the arithmetic around it.
+    const double x = static_cast<double>(geometryFloatForKey(*point.object(), kOstrelPointX));
+    const double y = static_cast<double>(geometryFloatForKey(*point.object(), kOstrelPointY));
     MKMapPoint p;
     {
         const NSLockGuard guard(_lock);

@@ -9,30 +9,33 @@ namespace veyra {
 
 namespace {
 
-void validateCircle(const id& overlay) {
-    VeyraValidateWebScriptObject(overlay, nullptr, "Constructing circle",
-                                 {kOstrelOverlayLatitude, kOstrelOverlayLongitude, kOstrelOverlayRadius});
+// Each is true when an overlay can be made of the object; what is refused has been reported.
+
+bool validateCircle(const id& overlay) {
+    return VeyraValidateWebScriptObject(overlay, nullptr, "Constructing circle",
+                                        {kOstrelOverlayLatitude, kOstrelOverlayLongitude, kOstrelOverlayRadius});
 }
 
-void validatePath(const id& overlay, const char* caller) {
+bool validatePath(const id& overlay, const char* caller) {
     if (!VeyraValidateWebScriptObject(overlay, nullptr, caller, {kOstrelOverlayCoordinates}))
-        return;
+        return false;
     const id length = overlay.object()->valueForKey(kOstrelOverlayCoordinates).valueForKey("length");
-    if (length.isNumber() && length.unsignedIntegerValue() % 2 != 0)
-        WebScriptObject::throwException(
-            NSStringWithFormat("%s, number of values in coordinates array must be even", {caller}));
+    if (!length.isNumber() || length.unsignedIntegerValue() % 2 == 0)
+        return true;
+    WebScriptObject::throwException(
+        NSStringWithFormat("%s, number of values in coordinates array must be even", {caller}));
+    return false;
 }
 
-void validateOverlay(const id& overlay) {
+bool validateOverlay(const id& overlay) {
     if (!VeyraValidateWebScriptObject(overlay, nullptr, "Creating overlay", {kOstrelOverlayType, kOstrelOverlayId}))
-        return;
+        return false;
     const id type = overlay.object()->valueForKey(kOstrelOverlayType);
     if (type.isEqualToString("circle"))
-        validateCircle(overlay);
-    else if (type.isEqualToString("polyline"))
-        validatePath(overlay, "Constructing polyline");
-    else if (type.isEqualToString("polygon"))
-        validatePath(overlay, "Constructing polygon");
+        return validateCircle(overlay);
+    if (type.isEqualToString("polyline"))
+        return validatePath(overlay, "Constructing polyline");
+    return type.isEqualToString("polygon") && validatePath(overlay, "Constructing polygon");
 }
 
 } // namespace
@@ -58,8 +61,8 @@ void VeyraView::removeOverlays(const id& identifiers) {
 }
 
 void VeyraView::insertOverlayAtIndex(const id& overlay, const id& index) {
-    validateOverlay(overlay);
-    index.unsignedIntegerValue(); // what is no number is refused
+    if (validateOverlay(overlay))
+        index.unsignedIntegerValue(); // what is no number is refused
 }
 
 void VeyraView::exchangeOverlayAtIndexWithOverlayAtIndex(const id& first, const id& second) {

@@ -42,6 +42,11 @@ double geometryValueForKey(NSObject& object, const NSString& key) {
     return value.isNumber() || value.isString() ? value.doubleValue() : 0;
 }
 
+float geometryFloatForKey(NSObject& object, const NSString& key) {
+    const id value = object.valueForKey(key);
+    return value.isNumber() || value.isString() ? value.floatValue() : 0;
+}
+
 void forEachElement(const id& array, const std::function<void(const id&)>& visit) {
     const auto script = array.as<WebScriptObject>();
     const id length = array.valueForKey("length");

@@ -5,6 +5,11 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     add_compile_options(-Wthread-safety -Werror=thread-safety)
 endif()
 
+# g++ takes values that std::variant moves for uninitialised once the sanitizers have rewritten the code.
+if(VEYRA_SANITIZER AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-maybe-uninitialized)
+endif()
+
 find_program(VEYRA_CCACHE ccache)
 if(VEYRA_CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${VEYRA_CCACHE})

@@ -1,6 +1,6 @@
 #include "Hosts/Veyra/OpenCommand.h"
 
-#include "Hosts/Veyra/ConsolePipe.h"
+#include "Hosts/Veyra/ConsoleOutput.h"
 #include "Hosts/Veyra/VirtualDisplay.h"
 #include "Hosts/Veyra/WebSetup.h"
 
@@ -75,23 +75,22 @@ Outcome runOpen(const CommandLine& line) {
     Outcome outcome = startGtk(false, display);
     if (outcome.status != ExitStatus::Success)
         return outcome;
-    WebKitWebContext* context = makeWebContext(outcome);
+    const auto context = WebContext::make(outcome);
     if (!context)
         return outcome;
-    const ConsolePipe console;
-    AutomatedWindows windows{context, line.width, line.height};
+    const ConsoleOutput console;
+    AutomatedWindows windows{context->get(), line.width, line.height};
     if (line.automation) {
-        webkit_web_context_set_automation_allowed(context, TRUE);
-        g_signal_connect(context, "automation-started", G_CALLBACK(automationStarted), &windows);
+        webkit_web_context_set_automation_allowed(context->get(), TRUE);
+        g_signal_connect(context->get(), "automation-started", G_CALLBACK(automationStarted), &windows);
     } else {
-        WebKitWebView* view = makeWebView(context);
+        WebKitWebView* view = makeWebView(context->get());
         showInWindow(view, line.width, line.height);
         webkit_web_view_load_uri(view, addressOfPage(line.input).c_str());
     }
     g_unix_signal_add(SIGINT, quit, nullptr);
     g_unix_signal_add(SIGTERM, quit, nullptr);
     gtk_main();
-    g_object_unref(context);
     return {};
 }
 

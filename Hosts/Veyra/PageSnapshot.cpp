@@ -104,7 +104,10 @@ void PageSnapshot::loadChanged(WebKitLoadEvent event) {
         _isLoaded = false;
     } else if (event == WEBKIT_LOAD_FINISHED && !_hasEnded) {
         _isLoaded = true;
-        if (!_line.titlePrefix)
+        // The engine refuses some addresses, such as those at ports of other services, by an empty page.
+        if (std::string_view(webkit_web_view_get_uri(_view)) == "about:blank" && _address != "about:blank")
+            end(ExitStatus::LoadFailed, "cannot load " + _address + ": the web engine refuses the address");
+        else if (!_line.titlePrefix)
             waitUntilIdle();
     }
 }

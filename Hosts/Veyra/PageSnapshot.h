@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Hosts/Veyra/CommandLine.h"
-#include "Hosts/Veyra/ConsolePipe.h"
+#include "Hosts/Veyra/ConsoleOutput.h"
 
 #include <webkit2/webkit2.h>
 
@@ -34,7 +34,7 @@ private:
 
     const CommandLine _line;
     const std::string _address;
-    ConsolePipe _console;
+    ConsoleOutput _console;
     GMainLoop* const _loop;
     GCancellable* const _cancellable; // of what is asked of the page
     GtkWidget* _window = nullptr;

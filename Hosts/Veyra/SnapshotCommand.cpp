@@ -15,12 +15,8 @@ Outcome runSnapshot(const CommandLine& line) {
     Outcome outcome = startGtk(true, display);
     if (outcome.status != ExitStatus::Success)
         return outcome;
-    WebKitWebContext* context = makeWebContext(outcome);
-    if (!context)
-        return outcome;
-    outcome = PageSnapshot(context, line).run();
-    g_object_unref(context);
-    return outcome;
+    const auto context = WebContext::make(outcome);
+    return context ? PageSnapshot(context->get(), line).run() : outcome;
 }
 
 } // namespace veyra

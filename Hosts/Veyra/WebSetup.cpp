@@ -4,6 +4,7 @@
 
 #include <array>
 #include <climits>
+#include <filesystem>
 #include <unistd.h>
 
 namespace veyra {
@@ -47,16 +48,32 @@ std::string extensionFolder() {
     return "";
 }
 
-WebKitWebContext* makeWebContext(Outcome& problem) {
-    const std::string folder = extensionFolder();
-    if (folder.empty()) {
+std::unique_ptr<WebContext> WebContext::make(Outcome& problem) {
+    const std::string modules = extensionFolder();
+    if (modules.empty()) {
         problem = {ExitStatus::Failed, std::string("the plug-in ") + moduleName + " is missing; it belongs in " +
                                            programFolder() + "/" + VEYRA_INSTALLED_EXTENSIONS};
         return nullptr;
     }
-    WebKitWebContext* context = webkit_web_context_new_ephemeral();
-    webkit_web_context_set_web_extensions_directory(context, folder.c_str());
-    return context;
+    gchar* folder = g_dir_make_tmp("veyra-XXXXXX", nullptr);
+    if (!folder) {
+        problem = {ExitStatus::Failed, std::string("cannot write to ") + g_get_tmp_dir()};
+        return nullptr;
+    }
+    WebKitWebsiteDataManager* storage =
+        webkit_website_data_manager_new("base-data-directory", folder, "base-cache-directory", folder, nullptr);
+    WebKitWebContext* context = webkit_web_context_new_with_website_data_manager(storage);
+    g_object_unref(storage);
+    webkit_web_context_set_web_extensions_directory(context, modules.c_str());
+    std::unique_ptr<WebContext> made(new WebContext(context, folder));
+    g_free(folder);
+    return made;
+}
+
+WebContext::~WebContext() {
+    g_object_unref(_context);
+    std::error_code ignored; // what the engine's processes still write as they end
+    std::filesystem::remove_all(_storage, ignored);
 }
 
 WebKitWebView* makeWebView(WebKitWebContext* context, bool isAutomated) {

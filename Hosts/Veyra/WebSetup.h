@@ -13,11 +13,25 @@ namespace veyra {
 /// The folder with the loadable module: beside the program in the build tree or where it was installed; "" when there is none.
 std::string extensionFolder();
 
-/// A new context that keeps nothing on disk and loads the plug-in into its pages. The caller owns it. Null, and a problem,
-/// without the module.
-WebKitWebContext* makeWebContext(Outcome& problem);
+/// A web context that loads the plug-in into its pages. What pages store is kept in a folder of its own and goes away with it:
+/// of a context that stores nothing at all, the engine logs no console messages.
+class WebContext {
+public:
+    /// Null, and a problem, without the module or a place for the folder.
+    static std::unique_ptr<WebContext> make(Outcome& problem);
+    ~WebContext();
+    WebContext(const WebContext&) = delete;
+    WebContext& operator=(const WebContext&) = delete;
 
-/// A new view of the context (floating). Its console messages go to standard output. `isAutomated`: driven by WebKitWebDriver.
+    WebKitWebContext* get() const { return _context; }
+
+private:
+    WebContext(WebKitWebContext* context, std::string storage) : _context(context), _storage(std::move(storage)) {}
+    WebKitWebContext* const _context;
+    const std::string _storage;
+};
+
+/// A new view of the context (floating). It logs its console messages (see ConsoleOutput). `isAutomated`: driven by WebKitWebDriver.
 WebKitWebView* makeWebView(WebKitWebContext* context, bool isAutomated = false);
 
 /// The address that an argument means: an existing file's, else the argument itself when it is an address, else the

@@ -11,7 +11,9 @@ void windowObjectCleared(WebKitScriptWorld*, WebKitWebPage* page, WebKitFrame* f
     PageFrame::windowObjectCleared(page, frame);
 }
 
-void pageCreated(WebKitWebExtension*, WebKitWebPage* page, gpointer) { answerMessages(page); }
+void pageCreated(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
+    answerMessages(page);
+}
 
 } // namespace
 

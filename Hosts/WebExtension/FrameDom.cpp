@@ -6,8 +6,8 @@ namespace veyra {
 
 namespace {
 
-// A property of the isolated global object through which values change from the engine's C interface to its GLib interface
-// and back: neither has a function for that.
+// A property of the isolated global object through which values change from the engine's C interface to its GLib
+// interface and back: neither has a function for that.
 constexpr const char* crossing = "veyraCrossing";
 
 } // namespace

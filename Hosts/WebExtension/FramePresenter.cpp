@@ -8,7 +8,9 @@ namespace veyra {
 
 namespace {
 
-double monotonicSeconds() { return static_cast<double>(g_get_monotonic_time()) / G_USEC_PER_SEC; }
+double monotonicSeconds() {
+    return static_cast<double>(g_get_monotonic_time()) / G_USEC_PER_SEC;
+}
 
 } // namespace
 
@@ -60,7 +62,9 @@ void FramePresenter::start() {
     });
 }
 
-void FramePresenter::stop() { _surface.detach(); }
+void FramePresenter::stop() {
+    _surface.detach();
+}
 
 void FramePresenter::layOut(CGSize size, double scale, bool isVisible) {
     if (size != _size || scale != _scale) {
@@ -77,7 +81,9 @@ void FramePresenter::layOut(CGSize size, double scale, bool isVisible) {
     advance();
 }
 
-void FramePresenter::suspend() { layOut(_size, _scale, false); }
+void FramePresenter::suspend() {
+    layOut(_size, _scale, false);
+}
 
 void FramePresenter::frameWanted() {
     _isWanted = true;

@@ -1,6 +1,7 @@
-// Brings a map's frames from its window to its canvas. The window says that it needs a frame; the frame is drawn on the main
-// queue into one of two pixel arrays, at most one drawing an animation frame of the page, while the page may be putting
-// the other on the canvas; the next animation frame puts what is drawn. While nothing changes, nothing is requested.
+// Brings a map's frames from its window to its canvas. The window says that it needs a frame; the frame is drawn on the
+// main queue into one of two pixel arrays, at most one drawing an animation frame of the page, while the page may be
+// putting the other on the canvas; the next animation frame puts what is drawn. While nothing changes, nothing is
+// requested.
 //
 // Web thread only. Owned by its MapElement; drawings on their way keep what they need.
 #pragma once

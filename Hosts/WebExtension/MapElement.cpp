@@ -14,7 +14,9 @@ std::unordered_map<JSObjectRef, MapElement*>& wrappers() {
 using HandleData = std::weak_ptr<MapElement>;
 
 // The collector calls this: it touches nothing of the engine.
-void handleFinalized(JSObjectRef handle) { delete static_cast<HandleData*>(JSObjectGetPrivate(handle)); }
+void handleFinalized(JSObjectRef handle) {
+    delete static_cast<HandleData*>(JSObjectGetPrivate(handle));
+}
 
 JSClassRef handleClass() {
     static JSClassRef cls = [] {
@@ -41,7 +43,9 @@ std::shared_ptr<MapElement> MapElement::start(const PlugInElement& element, JSGl
     return map;
 }
 
-MapElement::~MapElement() { stop(); }
+MapElement::~MapElement() {
+    stop();
+}
 
 void MapElement::stop() {
     forgetWrapper();
@@ -57,8 +61,7 @@ JSObjectRef MapElement::makeHandle() {
 std::shared_ptr<MapElement> MapElement::fromHandle(JSContextRef context, JSValueRef handle) {
     if (!handle || !JSValueIsObjectOfClass(context, handle, handleClass()))
         return nullptr;
-    const auto map =
-        static_cast<HandleData*>(JSObjectGetPrivate(JSValueToObject(context, handle, nullptr)))->lock();
+    const auto map = static_cast<HandleData*>(JSObjectGetPrivate(JSValueToObject(context, handle, nullptr)))->lock();
     return map && map->view() ? map : nullptr;
 }
 

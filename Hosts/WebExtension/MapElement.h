@@ -1,5 +1,5 @@
-// One live map of a page: the plug-in instance of an <object> element, its presenter, and the ways to find it. Web thread
-// only. Owned by its PageFrame from start to stop; the handle that Surface.js holds knows it weakly.
+// One live map of a page: the plug-in instance of an <object> element, its presenter, and the ways to find it. Web
+// thread only. Owned by its PageFrame from start to stop; the handle that Surface.js holds knows it weakly.
 #pragma once
 
 #include "Hosts/Common/PlugInInstance.h"
@@ -9,7 +9,8 @@ namespace veyra {
 
 class MapElement : public std::enable_shared_from_this<MapElement> {
 public:
-    /// Makes and starts the view for an element. `surface` is its MapSurface, in `context`. Null when no view could be made.
+    /// Makes and starts the view for an element. `surface` is its MapSurface, in `context`. Null when no view could be
+    /// made.
     static std::shared_ptr<MapElement> start(const PlugInElement& element, JSGlobalContextRef context,
                                              JSObjectRef surface);
     ~MapElement();

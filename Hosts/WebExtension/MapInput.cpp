@@ -17,7 +17,8 @@ struct InputCall {
     std::shared_ptr<MapElement> map;
 
     InputCall(JSContextRef script, size_t count, const JSValueRef arguments[])
-        : context(script), values(arguments, count), map(MapElement::fromHandle(script, count ? arguments[0] : nullptr)) {}
+        : context(script), values(arguments, count),
+          map(MapElement::fromHandle(script, count ? arguments[0] : nullptr)) {}
     double number(size_t i) const { return i < values.size() ? numberOf(context, values[i]) : 0; }
     bool flag(size_t i) const { return i < values.size() && JSValueToBoolean(context, values[i]); }
     std::string text(size_t i) const { return i < values.size() ? textOf(context, values[i]) : std::string(); }
@@ -49,8 +50,10 @@ JSValueRef touch(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, c
                  JSValueRef*) {
     const InputCall call(context, count, arguments);
     if (call.map)
-        call.send(UITouchEvent{static_cast<int64_t>(call.number(1)), static_cast<UITouchType>(call.number(2)),
-                               static_cast<UITouchPhase>(call.number(3)), {call.number(4), call.number(5)},
+        call.send(UITouchEvent{static_cast<int64_t>(call.number(1)),
+                               static_cast<UITouchType>(call.number(2)),
+                               static_cast<UITouchPhase>(call.number(3)),
+                               {call.number(4), call.number(5)},
                                call.timestamp(6)});
     return JSValueMakeUndefined(context);
 }
@@ -60,13 +63,14 @@ JSValueRef scroll(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, 
                   JSValueRef*) {
     const InputCall call(context, count, arguments);
     if (call.map)
-        call.send(UIScrollEvent{{call.number(1), call.number(2)}, call.number(3), call.number(4), call.flag(5),
-                                call.timestamp(6)});
+        call.send(UIScrollEvent{
+            {call.number(1), call.number(2)}, call.number(3), call.number(4), call.flag(5), call.timestamp(6)});
     return JSValueMakeUndefined(context);
 }
 
 // key(handle, key, shift, control, alternate, meta, age)
-JSValueRef key(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[], JSValueRef*) {
+JSValueRef key(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+               JSValueRef*) {
     const InputCall call(context, count, arguments);
     if (call.map)
         call.send(UIKeyEvent{call.text(1), call.flag(2), call.flag(3), call.flag(4), call.flag(5), call.timestamp(6)});

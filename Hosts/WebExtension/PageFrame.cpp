@@ -93,8 +93,7 @@ void PageFrame::installNames() {
     JSStringRelease(name);
     callFunction(_pageContext, evaluateScript(_pageContext, scriptSurfaceElement, "SurfaceElement.js"), {disconnected});
 
-    JSObjectRef constructor =
-        objectProperty(_pageContext, JSContextGetGlobalObject(_pageContext), "HTMLObjectElement");
+    JSObjectRef constructor = objectProperty(_pageContext, JSContextGetGlobalObject(_pageContext), "HTMLObjectElement");
     exposeClass(*_scriptContext, objectProperty(_pageContext, constructor, "prototype"), VeyraView::classObject(),
                 VeyraView::scriptingKeys(), resolve);
 }
@@ -116,8 +115,8 @@ std::shared_ptr<NSObject> PageFrame::resolve(JSContextRef context, JSObjectRef t
     return map ? map->view() : nullptr;
 }
 
-// The element's own frame makes the map, which need not be this one: an element keeps the prototype of the document that it
-// was made in.
+// The element's own frame makes the map, which need not be this one: an element keeps the prototype of the document
+// that it was made in.
 std::shared_ptr<MapElement> PageFrame::find(JSObjectRef element) {
     JSObjectRef node = isolatedNode(element);
     if (!node)

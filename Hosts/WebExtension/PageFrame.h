@@ -1,9 +1,9 @@
-// One document of a page or frame, from the moment its script context exists until it has gone for good: puts the script
-// names on its <object> elements, runs Surface.js beside it in an isolated script world, and owns its maps.
+// One document of a page or frame, from the moment its script context exists until it has gone for good: puts the
+// script names on its <object> elements, runs Surface.js beside it in an isolated script world, and owns its maps.
 //
 // Web thread only. Alive while its page is shown or in the back/forward cache. A page in that cache may be collected
-// without a word, and one protected value would prevent that: nothing of its context is called or protected then, and the
-// collection of the surface host closes the frame.
+// without a word, and one protected value would prevent that: nothing of its context is called or protected then, and
+// the collection of the surface host closes the frame.
 #pragma once
 
 #include "Hosts/WebExtension/FrameDom.h"

@@ -5,6 +5,7 @@
 #include "Platform/WebKit/WebThread.h"
 
 #include <dlfcn.h>
+#include <sys/resource.h>
 
 namespace veyra {
 
@@ -25,7 +26,7 @@ struct WaitingMessage {
 
     WebKitUserMessage* const message;
     GWeakRef webPage;
-    bool isAsking = false;   // the main queue is being asked
+    bool isAsking = false;     // the main queue is being asked
     bool mustAskAgain = false; // something changed meanwhile
 };
 
@@ -52,7 +53,8 @@ bool isPageSettled(WebKitWebPage* page, std::vector<std::shared_ptr<UIWindow>>& 
     return true;
 }
 
-// The page's side is at rest; the main queue says whether the maps are. What the page asked of them before is queued before.
+// The page's side is at rest; the main queue says whether the maps are. What the page asked of them before is queued
+// before.
 void consider(const std::shared_ptr<WaitingMessage>& waiting) {
     if (waiting->isAsking) {
         waiting->mustAskAgain = true;
@@ -72,7 +74,8 @@ void consider(const std::shared_ptr<WaitingMessage>& waiting) {
     waiting->isAsking = true;
     waiting->mustAskAgain = false;
     dispatch_async(dispatch_get_main_queue(), [waiting, windows = std::move(windows)] {
-        const bool areIdle = std::all_of(windows.begin(), windows.end(), [](const auto& window) { return window->isIdle(); });
+        const bool areIdle =
+            std::all_of(windows.begin(), windows.end(), [](const auto& window) { return window->isIdle(); });
         webThread().async([waiting, areIdle] {
             waiting->isAsking = false;
             if (waiting->mustAskAgain) {
@@ -85,6 +88,15 @@ void consider(const std::shared_ptr<WaitingMessage>& waiting) {
     });
 }
 
+guint64 processorMicroseconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto microseconds = [](const timeval& time) {
+        return static_cast<guint64>(time.tv_sec) * G_USEC_PER_SEC + static_cast<guint64>(time.tv_usec);
+    };
+    return microseconds(usage.ru_utime) + microseconds(usage.ru_stime);
+}
+
 GVariant* statistics() {
     GVariantDict numbers;
     g_variant_dict_init(&numbers, nullptr);
@@ -94,10 +106,12 @@ GVariant* statistics() {
     g_variant_dict_insert(&numbers, "frames-put", "t", guint64{frameStatistics().put});
     g_variant_dict_insert(&numbers, "animation-frames-requested", "t",
                           guint64{frameStatistics().animationFramesRequested});
+    g_variant_dict_insert(&numbers, "processor-microseconds", "t", processorMicroseconds());
     return g_variant_dict_end(&numbers);
 }
 
-// The engine's own way collects only some time later; it has another one, for debugging, which its headers do not declare.
+// The engine's own way collects only some time later; it has another one, for debugging, which its headers do not
+// declare.
 void collectGarbage() {
     JSGlobalContextRef context = PageFrame::anyContext();
     if (!context)

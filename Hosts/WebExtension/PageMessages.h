@@ -1,8 +1,8 @@
 // The user messages that the module answers, sent by an application to a WebKitWebPage:
-// - "veyra-when-idle": answered with an empty message once the page has been loaded, and all maps of all its frames are idle
-//   and have put their last frame on the canvas. Maps that nobody can see count as idle.
-// - "veyra-statistics": answered with a dictionary (a{sv}) of numbers (t): "views", "contexts", "frames-drawn", "frames-put",
-//   "animation-frames-requested", all of the process.
+// - "veyra-when-idle": answered with an empty message once the page has been loaded, and all maps of all its frames are
+//   idle and have put their last frame on the canvas. Maps that nobody can see count as idle.
+// - "veyra-statistics": answered with a dictionary (a{sv}) of numbers (t), all of the process: "views", "contexts",
+//   "frames-drawn", "frames-put", "animation-frames-requested", "processor-microseconds".
 // - "veyra-collect-garbage": runs the script engine's collector, then answers with an empty message. For tests.
 // Web thread only.
 #pragma once

@@ -7,7 +7,9 @@
 
 namespace veyra {
 
-void installWebThread() { setWebThread(new DispatchQueue(g_main_context_default(), "web")); }
+void installWebThread() {
+    setWebThread(new DispatchQueue(g_main_context_default(), "web"));
+}
 
 void startMainQueue() {
     [[maybe_unused]] static const bool isStarted = [] {

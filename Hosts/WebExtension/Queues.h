@@ -6,7 +6,8 @@ namespace veyra {
 /// Installs the web thread. Called once, on that thread, when the module is loaded.
 void installWebThread();
 
-/// Installs the main queue and starts its thread, at the first call. Web thread. The thread runs until the process ends.
+/// Installs the main queue and starts its thread, at the first call. Web thread. The thread runs until the process
+/// ends.
 void startMainQueue();
 
 } // namespace veyra

@@ -29,8 +29,7 @@ void logException(JSContextRef context, JSValueRef exception) {
 
 JSObjectRef evaluateScript(JSContextRef context, const char* source, const char* name) {
     JSValueRef exception = nullptr;
-    const JSValueRef result =
-        JSEvaluateScript(context, ScriptName(source), nullptr, ScriptName(name), 1, &exception);
+    const JSValueRef result = JSEvaluateScript(context, ScriptName(source), nullptr, ScriptName(name), 1, &exception);
     if (exception)
         logException(context, exception);
     return result && JSValueIsObject(context, result) ? JSValueToObject(context, result, nullptr) : nullptr;
@@ -65,7 +64,8 @@ void setProperty(JSContextRef context, JSObjectRef object, const char* name, JSV
     JSObjectSetProperty(context, object, ScriptName(name), value, kJSPropertyAttributeDontEnum, nullptr);
 }
 
-void defineFunction(JSContextRef context, JSObjectRef object, const char* name, JSObjectCallAsFunctionCallback function) {
+void defineFunction(JSContextRef context, JSObjectRef object, const char* name,
+                    JSObjectCallAsFunctionCallback function) {
     const ScriptName text(name);
     JSObjectSetProperty(context, object, text, JSObjectMakeFunctionWithCallback(context, text, function),
                         kJSPropertyAttributeNone, nullptr);

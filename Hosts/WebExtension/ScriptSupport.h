@@ -1,5 +1,5 @@
-// Short forms for what this host does with the script engine's C interface. Web thread only. An exception that one of our
-// own scripts throws is a fault of ours: it is logged, and the result is null.
+// Short forms for what this host does with the script engine's C interface. Web thread only. An exception that one of
+// our own scripts throws is a fault of ours: it is logged, and the result is null.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>
@@ -19,7 +19,8 @@ JSValueRef callMethod(JSContextRef context, JSObjectRef object, const char* name
 /// The property when it is an object, else null.
 JSObjectRef objectProperty(JSContextRef context, JSObjectRef object, const char* name);
 void setProperty(JSContextRef context, JSObjectRef object, const char* name, JSValueRef value);
-void defineFunction(JSContextRef context, JSObjectRef object, const char* name, JSObjectCallAsFunctionCallback function);
+void defineFunction(JSContextRef context, JSObjectRef object, const char* name,
+                    JSObjectCallAsFunctionCallback function);
 
 /// UTF-8; a lone surrogate becomes U+FFFD. Empty for what has no text.
 std::string textOf(JSContextRef context, JSValueRef value);

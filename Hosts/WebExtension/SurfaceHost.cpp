@@ -32,7 +32,9 @@ JSClassRef hostClass() {
     return cls;
 }
 
-std::shared_ptr<PageFrame> frameOf(JSObjectRef host) { return static_cast<HostData*>(JSObjectGetPrivate(host))->lock(); }
+std::shared_ptr<PageFrame> frameOf(JSObjectRef host) {
+    return static_cast<HostData*>(JSObjectGetPrivate(host))->lock();
+}
 
 // start(surface, [name, value, …], baseURL, scale): the map's handle, or null.
 JSValueRef start(JSContextRef context, JSObjectRef, JSObjectRef host, size_t count, const JSValueRef arguments[],
@@ -43,9 +45,12 @@ JSValueRef start(JSContextRef context, JSObjectRef, JSObjectRef host, size_t cou
     PlugInElement element;
     JSObjectRef list = JSValueToObject(context, arguments[1], nullptr);
     JSStringRef lengthName = JSStringCreateWithUTF8CString("length");
-    const auto length = static_cast<unsigned>(numberOf(context, JSObjectGetProperty(context, list, lengthName, nullptr)));
+    const auto length =
+        static_cast<unsigned>(numberOf(context, JSObjectGetProperty(context, list, lengthName, nullptr)));
     JSStringRelease(lengthName);
-    const auto text = [&](unsigned i) { return textOf(context, JSObjectGetPropertyAtIndex(context, list, i, nullptr)); };
+    const auto text = [&](unsigned i) {
+        return textOf(context, JSObjectGetPropertyAtIndex(context, list, i, nullptr));
+    };
     for (unsigned i = 0; i + 1 < length; i += 2)
         element.attributes[text(i)] = text(i + 1);
     element.baseURL = textOf(context, arguments[2]);

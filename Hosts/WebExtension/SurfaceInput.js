@@ -13,7 +13,8 @@
     const zoomKeys = new Set(['+', '-', '=']);
     // Pointers and fingers number themselves apart; a view sees one space of numbers.
     const firstFinger = 1 << 16;
-    // The engine follows a touch with a mouse press and release at the same place, prevented or not.
+    // The engine follows a touch with a mouse press and release at the same place, prevented or not, and makes wheel turns
+    // of a drag that was left to the page.
     const emulationTime = 1000, emulationDistance = 32;
     const pointsInLine = 40;
 
@@ -24,6 +25,7 @@
     return function attach(map) {
         const canvas = map.canvas;
         const pressed = new Set();
+        let fingers = 0;
         let lastTouch = null;
 
         const uses = (bits) => (host.inputPolicy(map.handle) & bits) !== 0;
@@ -34,8 +36,12 @@
             host.touch(map.handle, identifier, type, phase, point.x, point.y, age(event));
         }
 
+        function followsTouch(event) {
+            return fingers > 0 || (lastTouch !== null && event.timeStamp - lastTouch.time < emulationTime);
+        }
+
         function isEmulated(event) {
-            return lastTouch !== null && event.timeStamp - lastTouch.time < emulationTime &&
+            return lastTouch !== null && followsTouch(event) &&
                 Math.abs(event.clientX - lastTouch.x) < emulationDistance &&
                 Math.abs(event.clientY - lastTouch.y) < emulationDistance;
         }
@@ -80,12 +86,13 @@
                 send(firstFinger + touch.identifier, direct, phases[event.type], touch, event);
                 lastTouch = { time: event.timeStamp, x: touch.clientX, y: touch.clientY };
             }
+            fingers = event.targetTouches.length;
             if (event.cancelable && uses(event.targetTouches.length > 1 ? usesDrags | usesPinches : usesDrags))
                 event.preventDefault();
         }
 
         function onWheel(event) {
-            if (!uses(usesScrolls))
+            if (!uses(usesScrolls) || followsTouch(event))
                 return;
             const unit = [1, pointsInLine, canvas.clientHeight][event.deltaMode];
             const point = local(event);

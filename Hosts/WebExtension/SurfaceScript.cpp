@@ -11,10 +11,9 @@ void SurfaceScript::requestFrame() {
 }
 
 std::shared_ptr<PixelBuffers> SurfaceScript::allocate(int width, int height, double scale) {
-    const JSValueRef made =
-        callMethod(_context, _surface, "allocate",
-                   {JSValueMakeNumber(_context, width), JSValueMakeNumber(_context, height),
-                    JSValueMakeNumber(_context, scale)});
+    const JSValueRef made = callMethod(
+        _context, _surface, "allocate",
+        {JSValueMakeNumber(_context, width), JSValueMakeNumber(_context, height), JSValueMakeNumber(_context, scale)});
     if (!made || !JSValueIsObject(_context, made))
         return nullptr;
     std::array<uint8_t*, 2> bytes{};
@@ -29,9 +28,13 @@ std::shared_ptr<PixelBuffers> SurfaceScript::allocate(int width, int height, dou
     return std::make_shared<PixelBuffers>(width, height, bytes);
 }
 
-std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const { return std::make_shared<Hold>(_context, _arrays); }
+std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const {
+    return std::make_shared<Hold>(_context, _arrays);
+}
 
-void SurfaceScript::keepAlive(JSObjectRef object) { setProperty(_context, _surface, "wrapper", object); }
+void SurfaceScript::keepAlive(JSObjectRef object) {
+    setProperty(_context, _surface, "wrapper", object);
+}
 
 SurfaceScript::Hold::Hold(JSGlobalContextRef context, const std::array<JSObjectRef, 2>& arrays)
     : _context(context), _arrays(arrays) {

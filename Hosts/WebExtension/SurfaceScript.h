@@ -1,6 +1,6 @@
 // The script side of one map (class MapSurface in Surface.js) as native code calls it. Web thread only. It is not kept
-// alive from here: it calls nothing once it is detached, nor may it be called while its page is hidden, when the page may
-// be collected without a word.
+// alive from here: it calls nothing once it is detached, nor may it be called while its page is hidden, when the page
+// may be collected without a word.
 #pragma once
 
 #include "Hosts/WebExtension/PixelBuffers.h"

@@ -1,5 +1,5 @@
-// Unpacked cells of a base map, the most recently used ones, bounded in bytes. Any thread; two threads that ask for the same
-// cell at once may both unpack it.
+// Unpacked cells of a base map, the most recently used ones, bounded in bytes. Any thread; two threads that ask for the
+// same cell at once may both unpack it.
 #pragma once
 
 #include "Platform/Foundation/NSLock.h"

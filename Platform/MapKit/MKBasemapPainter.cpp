@@ -100,13 +100,14 @@ bool MKBasemapPainter::isAllLand() const {
 }
 
 MKShapeClipper MKBasemapPainter::clipperFor(const PlacedCell& placed) const {
-    return {_key.column * _key.mapSide() - placed.shift, _key.row * _key.mapSide(), _key.scale, MKTileKey::side, _bleed};
+    return {_key.column * _key.mapSide() - placed.shift, _key.row * _key.mapSide(), _key.scale, MKTileKey::side,
+            _bleed};
 }
 
 void MKBasemapPainter::fillAreas(Canvas& canvas, BasemapLayer layer, MKTileColor color) const {
     cairo_new_path(canvas.cairo);
     for (const PlacedCell& placed : _cells) {
-        clipperFor(placed).addAreas(placed.cell->shapes(layer), canvas.cairo);
+        clipperFor(placed).addAreas(placed.cell->shapes(layer), placed.cell->fillBounds, canvas.cairo);
     }
     setColor(canvas.cairo, color);
     cairo_fill(canvas.cairo);

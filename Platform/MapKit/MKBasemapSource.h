@@ -10,8 +10,8 @@ class MKBasemapSource final : public MKTileSource {
 public:
     using Opener = std::function<const BasemapFile&()>;
 
-    /// `open` is called with every tile, on the thread that draws it: a base map that cannot be opened (BasemapError) makes
-    /// its tiles fail. It answers the same base map each time, which outlives the source.
+    /// `open` is called with every tile, on the thread that draws it: a base map that cannot be opened (BasemapError)
+    /// makes its tiles fail. It answers the same base map each time, which outlives the source.
     explicit MKBasemapSource(Opener open);
     /// The built-in world; never destroyed.
     static std::shared_ptr<const MKTileSource> shared();

@@ -68,7 +68,8 @@ MKMapPoint MKCamera::mapPointAt(CGPoint point, CGSize viewSize) const {
 }
 
 CGPoint MKCamera::pointFor(MKMapPoint mapPoint, CGSize viewSize) const {
-    return {viewSize.width / 2 + (mapPoint.x - center.x) * scale, viewSize.height / 2 + (mapPoint.y - center.y) * scale};
+    return {viewSize.width / 2 + (mapPoint.x - center.x) * scale,
+            viewSize.height / 2 + (mapPoint.y - center.y) * scale};
 }
 
 } // namespace veyra

@@ -1,6 +1,6 @@
-// Where a map looks from: the map point in the middle of the view and the scale. Everything that is drawn follows from it.
-// A plain value; any thread. The centre's x is not wrapped, so that a movement across the antimeridian is one movement;
-// `normalized` brings it back into the world.
+// Where a map looks from: the map point in the middle of the view and the scale. Everything that is drawn follows from
+// it. A plain value; any thread. The centre's x is not wrapped, so that a movement across the antimeridian is one
+// movement; `normalized` brings it back into the world.
 #pragma once
 
 #include "Platform/MapKit/MKGeometry.h"
@@ -16,14 +16,14 @@ struct MKCamera {
     double scale = 0; ///< points per map point
     friend bool operator==(const MKCamera&, const MKCamera&) = default;
 
-    /// The camera of a view that shows a region: the centre stays, the whole region is visible, the span that is too small
-    /// for the view is widened; then `clamped` and `normalized`. The size is not empty, the region is finite.
+    /// The camera of a view that shows a region: the centre stays, the whole region is visible, the span that is too
+    /// small for the view is widened; then `clamped` and `normalized`. The size is not empty, the region is finite.
     static MKCamera fitting(const MKCoordinateRegion& region, CGSize viewSize);
     /// The outermost scale for a view: the world's side equals the view's longer side.
     static double minimumScale(CGSize viewSize);
 
-    /// Within the limits: the scale between outermost and innermost, the centre so far from the poles that nothing beyond
-    /// the square shows.
+    /// Within the limits: the scale between outermost and innermost, the centre so far from the poles that nothing
+    /// beyond the square shows.
     MKCamera clamped(CGSize viewSize) const;
     /// The same view with the centre's x in the world, [0, MKWorldSide).
     MKCamera normalized() const;

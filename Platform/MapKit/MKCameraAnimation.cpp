@@ -14,7 +14,8 @@ constexpr double nearDiagonals = 1;
 // A flight's length, in the paper's metric, that takes one second more.
 constexpr double flightSpeed = 8;
 
-// A near movement answers at once and slows down, so that a key held down moves the map evenly; a flight also starts slowly.
+// A near movement answers at once and slows down, so that a key held down moves the map evenly; a flight also starts
+// slowly.
 double easedOut(double progress) {
     return 1 - std::pow(1 - progress, 3);
 }
@@ -25,7 +26,7 @@ double easedInAndOut(double progress) {
 } // namespace
 
 MKFlightPath::MKFlightPath(double distance, double startWidth, double endWidth)
-    : _distance(distance), _startWidth(startWidth), _endWidth(endWidth) {
+    : _distance(distance), _startWidth(startWidth) {
     const double rho2 = rho * rho, rho4 = rho2 * rho2;
     const double squares = endWidth * endWidth - startWidth * startWidth;
     const double far = rho4 * distance * distance;

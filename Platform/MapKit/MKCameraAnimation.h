@@ -1,5 +1,6 @@
-// A movement from one camera to another: eased along the shortest way east or west, and for far places a flight that zooms
-// out and in again along the optimal path of van Wijk and Nuij ("Smooth and efficient zooming and panning", 2003).
+// A movement from one camera to another: eased along the shortest way east or west, and for far places a flight that
+// zooms out and in again along the optimal path of van Wijk and Nuij ("Smooth and efficient zooming and panning",
+// 2003).
 #pragma once
 
 #include "Platform/MapKit/MKMotion.h"
@@ -8,8 +9,8 @@
 
 namespace veyra {
 
-/// The path of a flight: how far along the way and how wide the view is after a part of the path's length. Lengths are in
-/// map points.
+/// The path of a flight: how far along the way and how wide the view is after a part of the path's length. Lengths are
+/// in map points.
 class MKFlightPath {
 public:
     /// From a view of width `startWidth` to one of width `endWidth` whose middle is `distance` away.
@@ -22,7 +23,7 @@ public:
     double width(double s) const;
 
 private:
-    double _distance, _startWidth, _endWidth;
+    double _distance, _startWidth;
     double _start = 0; // r0 of the paper
     double _length = 0;
 };

@@ -81,8 +81,8 @@ bool MKMapRectIntersectsRect(const MKMapRect& a, const MKMapRect& b) {
     if (MKMapRectIsNull(a) || MKMapRectIsNull(b)) {
         return false;
     }
-    return a.origin.x < MKMapRectGetMaxX(b) && b.origin.x < MKMapRectGetMaxX(a) &&
-           a.origin.y < MKMapRectGetMaxY(b) && b.origin.y < MKMapRectGetMaxY(a);
+    return a.origin.x < MKMapRectGetMaxX(b) && b.origin.x < MKMapRectGetMaxX(a) && a.origin.y < MKMapRectGetMaxY(b) &&
+           b.origin.y < MKMapRectGetMaxY(a);
 }
 
 bool MKMapRectContainsPoint(const MKMapRect& rect, MKMapPoint point) {
@@ -110,8 +110,7 @@ bool MKMapRectSpans180thMeridian(const MKMapRect& rect) {
 
 MKCoordinateRegion MKCoordinateRegionForMapRect(const MKMapRect& rect) {
     const CLLocationCoordinate2D northWest = MKCoordinateForMapPoint(rect.origin);
-    const CLLocationCoordinate2D southEast =
-        MKCoordinateForMapPoint({MKMapRectGetMaxX(rect), MKMapRectGetMaxY(rect)});
+    const CLLocationCoordinate2D southEast = MKCoordinateForMapPoint({MKMapRectGetMaxX(rect), MKMapRectGetMaxY(rect)});
     return {MKCoordinateForMapPoint({MKMapRectGetMidX(rect), MKMapRectGetMidY(rect)}),
             {northWest.latitude - southEast.latitude, southEast.longitude - northWest.longitude}};
 }

@@ -1,5 +1,5 @@
-// The flat world: map points, map rectangles, and the ways between them and coordinates. Plain values and pure functions;
-// any thread.
+// The flat world: map points, map rectangles, and the ways between them and coordinates. Plain values and pure
+// functions; any thread.
 //
 // The world is a square of 2^28 map points, origin at its north-west corner, x east, y south: the spherical Mercator
 // projection between latitudes ±85.05112877980659. x is not wrapped: the world repeats east and west without end, and a
@@ -56,19 +56,32 @@ MKMapPoint MKMapPointForCoordinate(CLLocationCoordinate2D coordinate);
 /// The inverse; x outside the world gives longitudes outside ±180.
 CLLocationCoordinate2D MKCoordinateForMapPoint(MKMapPoint point);
 
-/// Metres on the ground that one map point stands for at a latitude in degrees, along the meridian of the WGS84 ellipsoid.
+/// Metres on the ground that one map point stands for at a latitude in degrees, along the meridian of the WGS84
+/// ellipsoid.
 double MKMetersPerMapPointAtLatitude(double latitude);
 double MKMapPointsPerMeterAtLatitude(double latitude);
 
 inline MKMapRect MKMapRectMake(double x, double y, double width, double height) {
     return {{x, y}, {width, height}};
 }
-inline double MKMapRectGetMinX(const MKMapRect& rect) { return rect.origin.x; }
-inline double MKMapRectGetMinY(const MKMapRect& rect) { return rect.origin.y; }
-inline double MKMapRectGetMidX(const MKMapRect& rect) { return rect.origin.x + rect.size.width / 2; }
-inline double MKMapRectGetMidY(const MKMapRect& rect) { return rect.origin.y + rect.size.height / 2; }
-inline double MKMapRectGetMaxX(const MKMapRect& rect) { return rect.origin.x + rect.size.width; }
-inline double MKMapRectGetMaxY(const MKMapRect& rect) { return rect.origin.y + rect.size.height; }
+inline double MKMapRectGetMinX(const MKMapRect& rect) {
+    return rect.origin.x;
+}
+inline double MKMapRectGetMinY(const MKMapRect& rect) {
+    return rect.origin.y;
+}
+inline double MKMapRectGetMidX(const MKMapRect& rect) {
+    return rect.origin.x + rect.size.width / 2;
+}
+inline double MKMapRectGetMidY(const MKMapRect& rect) {
+    return rect.origin.y + rect.size.height / 2;
+}
+inline double MKMapRectGetMaxX(const MKMapRect& rect) {
+    return rect.origin.x + rect.size.width;
+}
+inline double MKMapRectGetMaxY(const MKMapRect& rect) {
+    return rect.origin.y + rect.size.height;
+}
 
 /// True when the origin lies at infinity.
 bool MKMapRectIsNull(const MKMapRect& rect);
@@ -83,7 +96,8 @@ bool MKMapRectIntersectsRect(const MKMapRect& a, const MKMapRect& b);
 bool MKMapRectContainsPoint(const MKMapRect& rect, MKMapPoint point);
 /// True when `inner` lies wholly in `outer`, shared edges allowed; a null rectangle holds none and lies in none.
 bool MKMapRectContainsRect(const MKMapRect& outer, const MKMapRect& inner);
-/// Moves the edges inwards by dx on the left and right and dy at the top and bottom; negative values move them outwards.
+/// Moves the edges inwards by dx on the left and right and dy at the top and bottom; negative values move them
+/// outwards.
 MKMapRect MKMapRectInset(const MKMapRect& rect, double dx, double dy);
 MKMapRect MKMapRectOffset(const MKMapRect& rect, double dx, double dy);
 /// True when the rectangle runs past the antimeridian on either side.
@@ -91,9 +105,9 @@ bool MKMapRectSpans180thMeridian(const MKMapRect& rect);
 
 /// Centre: the unprojected midpoint; spans: the differences of the unprojected edges.
 MKCoordinateRegion MKCoordinateRegionForMapRect(const MKMapRect& rect);
-/// The inverse of MKCoordinateRegionForMapRect: the rectangle around the projected centre whose unprojected edges are the
-/// spans apart. Spans count as 0 when negative and are cut off at 180 and 360 degrees; a latitude span that no rectangle of
-/// finite height has gives the height of two worlds. NaN stays NaN.
+/// The inverse of MKCoordinateRegionForMapRect: the rectangle around the projected centre whose unprojected edges are
+/// the spans apart. Spans count as 0 when negative and are cut off at 180 and 360 degrees; a latitude span that no
+/// rectangle of finite height has gives the height of two worlds. NaN stays NaN.
 MKMapRect MKMapRectForCoordinateRegion(const MKCoordinateRegion& region);
 /// The corners of the region in degrees: half the spans north and west, and south and east, of the centre.
 void MKCoordinatesForRegion(const MKCoordinateRegion& region, CLLocationCoordinate2D* northWest,

@@ -67,8 +67,8 @@ void MKLineMask::addSpan(const Segment& segment, bool rows, int line, double low
         }
         const double coverage = std::min(segment.reach - distance, segment.thickness);
         if (coverage > 0) {
-            uint8_t& pixel = _coverage[static_cast<size_t>(row) * static_cast<size_t>(_side) +
-                                       static_cast<size_t>(column)];
+            uint8_t& pixel =
+                _coverage[static_cast<size_t>(row) * static_cast<size_t>(_side) + static_cast<size_t>(column)];
             pixel = std::max(pixel, static_cast<uint8_t>(coverage * 255 + 0.5));
             _firstRow = std::min(_firstRow, row);
             _lastRow = std::max(_lastRow, row);

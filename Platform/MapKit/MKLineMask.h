@@ -1,6 +1,7 @@
-// Draws thin antialiased lines into a tile: many short segments, far faster than a general stroker, which matters because
-// coasts and borders are most of the work of a tile. Segments are collected as coverage, joined by the greater value, so that a
-// line drawn in pieces looks like one; then the colour goes through the whole mask once. Used on one thread.
+// Draws thin antialiased lines into a tile: many short segments, far faster than a general stroker, which matters
+// because coasts and borders are most of the work of a tile. Segments are collected as coverage, joined by the greater
+// value, so that a line drawn in pieces looks like one; then the colour goes through the whole mask once. Used on one
+// thread.
 #pragma once
 
 #include "Platform/MapKit/MKTile.h"

@@ -17,6 +17,7 @@ constexpr int errorUnknown = 1;
 } // namespace
 
 void MKMapView::drawRect(const UIGraphicsContext& context) {
+    publishInputPolicyToNewWindow();
     if (!hasLayout()) {
         return;
     }
@@ -62,13 +63,11 @@ void MKMapView::reportLoading() {
     if (_tiles->isWaiting()) {
         if (_loading == Loading::Nothing) {
             _loading = Loading::Tiles;
-            queueReport(
-                [](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewWillStartLoadingMap(map); });
+            queueReport([](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewWillStartLoadingMap(map); });
         }
     } else if (!_changing && _loading != Loading::Nothing) {
         if (_loading == Loading::Tiles) {
-            queueReport(
-                [](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewDidFinishLoadingMap(map); });
+            queueReport([](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewDidFinishLoadingMap(map); });
         }
         _loading = Loading::Nothing;
     }

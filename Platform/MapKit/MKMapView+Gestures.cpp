@@ -58,12 +58,21 @@ void MKMapView::addRecognizers() {
 }
 
 void MKMapView::publishInputPolicy() {
-    if (const auto window = this->window()) {
+    const auto window = this->window();
+    _policyWindow = window;
+    if (window) {
         window->setInputPolicy({.usesDrags = _scrollEnabled,
                                 .usesScrolls = _zoomEnabled,
                                 .usesPinches = _zoomEnabled,
                                 .usesPanKeys = _scrollEnabled,
                                 .usesZoomKeys = _zoomEnabled});
+    }
+}
+
+// Called where a view that was added to a window is called first.
+void MKMapView::publishInputPolicyToNewWindow() {
+    if (window() != _policyWindow.lock()) {
+        publishInputPolicy();
     }
 }
 
@@ -78,7 +87,8 @@ void MKMapView::handlePan(UIPanGestureRecognizer& pan) {
     }
     const CGPoint moved = pan.translationInView();
     pan.setTranslation({});
-    if (beginFingerChange()) {
+    const bool pinchMoves = isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2;
+    if (!pinchMoves && beginFingerChange()) {
         moveCamera(_camera.movedBy(moved.x, moved.y).clamped(_viewSize));
     }
 }
@@ -93,8 +103,14 @@ void MKMapView::handlePinch(UIPinchGestureRecognizer& pinch) {
     }
     const double factor = pinch.scale();
     pinch.setScale(1);
+    // The map follows the fingers' middle from the first move on, whether a pan has been recognised or not.
+    const CGPoint middle = pinch.locationInView();
+    const bool begins = pinch.state() == UIGestureRecognizerState::Began || pinch.numberOfTouches() != 2;
+    const CGPoint moved =
+        begins || !_scrollEnabled ? CGPoint{} : CGPoint{middle.x - _pinchMiddle.x, middle.y - _pinchMiddle.y};
+    _pinchMiddle = middle;
     if (beginFingerChange()) {
-        moveCamera(_camera.scaledTo(_camera.scale * factor, pinch.locationInView(), _viewSize));
+        moveCamera(_camera.movedBy(moved.x, moved.y).scaledTo(_camera.scale * factor, middle, _viewSize));
     }
 }
 

@@ -64,7 +64,7 @@ MKCoordinateRegion MKMapView::regionThatFitsMapTypeViewSizeRegion(MKMapType, CGS
 
 void MKMapView::layoutSubviews() {
     UIView::layoutSubviews();
-    publishInputPolicy();
+    publishInputPolicyToNewWindow();
     const CGSize size = bounds().size;
     const bool isCreationSize = size == CGSize{1, 1} && !hasLayout();
     const bool changed = size != _lastSize;

@@ -1,9 +1,9 @@
-// The map: shows a part of the world in its bounds, lets the user move it, and reports to a delegate. Main queue only; the
-// superview owns it, the map owns its picture of the world (MKTileLayer), its movement and its recognisers.
+// The map: shows a part of the world in its bounds, lets the user move it, and reports to a delegate. Main queue only;
+// the superview owns it, the map owns its picture of the world (MKTileLayer), its movement and its recognisers.
 //
-// A new map shows the whole world. Until its first layout at a size other than the 1 x 1 of its creation it sends and draws
-// nothing; what is set before is shown from then on. That first layout, and each later change of size (which keeps centre
-// and scale), sends one pair of region callbacks from the map's own layout, which follows its superview's.
+// A new map shows the whole world. Until its first layout at a size other than the 1 x 1 of its creation it sends and
+// draws nothing; what is set before is shown from then on. That first layout, and each later change of size (which
+// keeps centre and scale), sends one pair of region callbacks from the map's own layout, which follows its superview's.
 #pragma once
 
 #include "Platform/MapKit/MKCamera.h"
@@ -37,16 +37,17 @@ public:
     MKMapRect visibleMapRect() const;
     CLLocationCoordinate2D centerCoordinate() const;
 
-    /// Shows a region: the centre is kept, the whole region is visible, the span that is too small for the view is widened,
-    /// within the limits of zoom and of the square. A region with a value that is not finite is logged and ignored.
+    /// Shows a region: the centre is kept, the whole region is visible, the span that is too small for the view is
+    /// widened, within the limits of zoom and of the square. A region with a value that is not finite is logged and
+    /// ignored.
     void setRegion(const MKCoordinateRegion& region) { setRegionAnimated(region, false); }
     void setRegionAnimated(const MKCoordinateRegion& region, bool animated);
     /// Moves the map at its scale. A coordinate that is not finite is logged and ignored.
     void setCenterCoordinate(CLLocationCoordinate2D coordinate) { setCenterCoordinateAnimated(coordinate, false); }
     void setCenterCoordinateAnimated(CLLocationCoordinate2D coordinate, bool animated);
 
-    /// The region that a map of that type and size would show when asked for `region`; `region` itself for an empty size or
-    /// a value that is not finite. Any thread.
+    /// The region that a map of that type and size would show when asked for `region`; `region` itself for an empty
+    /// size or a value that is not finite. Any thread.
     static MKCoordinateRegion regionThatFitsMapTypeViewSizeRegion(MKMapType mapType, CGSize viewSize,
                                                                   const MKCoordinateRegion& region);
 
@@ -96,6 +97,7 @@ private:
     // Gestures: MKMapView+Gestures.cpp
     void addRecognizers();
     void publishInputPolicy();
+    void publishInputPolicyToNewWindow();
     void handlePan(UIPanGestureRecognizer& pan);
     void handlePinch(UIPinchGestureRecognizer& pinch);
     void handleZoomTap(const UIGestureRecognizer& tap, double factor);
@@ -135,7 +137,9 @@ private:
 
     std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
     std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
+    CGPoint _pinchMiddle; // of the fingers at the last step of a pinch
     std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
+    std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
 
     std::unique_ptr<MKTileLayer> _tiles;
     enum class Loading { Nothing, Tiles, Failed };

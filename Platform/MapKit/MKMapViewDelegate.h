@@ -20,8 +20,8 @@ public:
     /// A source failed; once for everything that was being loaded together.
     virtual void mapViewDidFailLoadingMapWithError(MKMapView&, const std::shared_ptr<NSError>&) {}
 
-    /// What the map shows is about to change, by a request, a gesture or a new size. One pair for each change: a gesture
-    /// with its inertia is one. `animated` tells whether frames of a movement lie between the two.
+    /// What the map shows is about to change, by a request, a gesture or a new size. One pair for each change: a
+    /// gesture with its inertia is one. `animated` tells whether frames of a movement lie between the two.
     virtual void mapViewRegionWillChangeAnimated(MKMapView&, bool /*animated*/) {}
     /// The change has ended; the centre's longitude is in [-180, 180).
     virtual void mapViewRegionDidChangeAnimated(MKMapView&, bool /*animated*/) {}

@@ -1,5 +1,5 @@
-// A movement of the camera over time. Owned by the map view that it moves; main queue only. Times are those of frames, in
-// seconds; a movement begins with the first frame that steps it.
+// A movement of the camera over time. Owned by the map view that it moves; main queue only. Times are those of frames,
+// in seconds; a movement begins with the first frame that steps it.
 #pragma once
 
 #include "Platform/MapKit/MKCamera.h"

@@ -30,19 +30,23 @@ MKShapeClipper::Overlap MKShapeClipper::overlap(const BasemapBounds& bounds) con
     return low.x >= _low && low.y >= _low && high.x <= _high && high.y <= _high ? Overlap::Whole : Overlap::Part;
 }
 
-void MKShapeClipper::thin(std::span<const BasemapPoint> part) {
+// Where a ring was cut off it runs along the edge forth and back; every vertex there is kept, for the two ways cancel
+// only as long as they lie exactly on each other.
+void MKShapeClipper::thin(std::span<const BasemapPoint> part, const BasemapBounds& cut) {
     _points.clear();
     for (const BasemapPoint& vertex : part) {
         const Point point = transformed(vertex);
         const bool isLast = &vertex == &part.back();
-        if (isLast || _points.empty() || std::abs(point.x - _points.back().x) >= tolerance ||
+        const bool isOnEdge =
+            vertex.x == cut.minX || vertex.x == cut.maxX || vertex.y == cut.minY || vertex.y == cut.maxY;
+        if (isLast || isOnEdge || _points.empty() || std::abs(point.x - _points.back().x) >= tolerance ||
             std::abs(point.y - _points.back().y) >= tolerance) {
             _points.push_back(point);
         }
     }
 }
 
-void MKShapeClipper::addAreas(const BasemapShapes& shapes, cairo_t* cairo) {
+void MKShapeClipper::addAreas(const BasemapShapes& shapes, const BasemapBounds& cut, cairo_t* cairo) {
     if (overlap(shapes.bounds) == Overlap::None) {
         return;
     }
@@ -51,7 +55,7 @@ void MKShapeClipper::addAreas(const BasemapShapes& shapes, cairo_t* cairo) {
         if (met == Overlap::None) {
             continue;
         }
-        thin(shapes.part(i));
+        thin(shapes.part(i), cut);
         if (met == Overlap::Part) {
             clipRing();
         }
@@ -68,7 +72,7 @@ void MKShapeClipper::addLines(const BasemapShapes& shapes, MKLineMask& mask) {
         if (met == Overlap::None) {
             continue;
         }
-        thin(shapes.part(i));
+        thin(shapes.part(i), {});
         if (met == Overlap::Whole) {
             appendLine(mask);
         } else {
@@ -77,8 +81,8 @@ void MKShapeClipper::addLines(const BasemapShapes& shapes, MKLineMask& mask) {
     }
 }
 
-// Sutherland and Hodgman: one edge of the rectangle after the other. Parts that leave and come back are joined along the edge,
-// where filling shows nothing of it.
+// Sutherland and Hodgman: one edge of the rectangle after the other. Parts that leave and come back are joined along
+// the edge, where filling shows nothing of it.
 void MKShapeClipper::clipRing() {
     clipRingAtEdge(true, _low, 1);
     clipRingAtEdge(true, _high, -1);

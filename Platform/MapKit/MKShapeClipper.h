@@ -18,8 +18,8 @@ public:
     /// -bleed and side + bleed on both axes.
     MKShapeClipper(double originX, double originY, double scale, double side, double bleed);
 
-    /// Appends closed rings to the context's path.
-    void addAreas(const BasemapShapes& shapes, cairo_t* cairo);
+    /// Appends closed rings, which were cut off at `cut`, to the context's path.
+    void addAreas(const BasemapShapes& shapes, const BasemapBounds& cut, cairo_t* cairo);
     void addLines(const BasemapShapes& shapes, MKLineMask& mask);
 
 private:
@@ -29,7 +29,7 @@ private:
     enum class Overlap { None, Part, Whole };
     Overlap overlap(const BasemapBounds& bounds) const;
     Point transformed(BasemapPoint point) const;
-    void thin(std::span<const BasemapPoint> part);
+    void thin(std::span<const BasemapPoint> part, const BasemapBounds& cut);
     void clipRing();
     void clipRingAtEdge(bool vertical, double edge, double sign);
     void appendRing(cairo_t* cairo) const;

@@ -1,5 +1,6 @@
-// Tiles: squares of 512 device pixels that a picture of the world is drawn in. The world at a scale is laid out in tiles from
-// its north-west corner; the last column and row reach past the square. Keys are plain values; a tile is immutable and shared.
+// Tiles: squares of 512 device pixels that a picture of the world is drawn in. The world at a scale is laid out in
+// tiles from its north-west corner; the last column and row reach past the square. Keys are plain values; a tile is
+// immutable and shared.
 #pragma once
 
 #include "Platform/MapKit/MKMapType.h"

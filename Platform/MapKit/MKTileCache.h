@@ -1,5 +1,5 @@
-// Drawn tiles, the most recently used ones, bounded in bytes. Main queue only; owned by the tile loader. A tile that a map
-// holds lives on after it has left the cache.
+// Drawn tiles, the most recently used ones, bounded in bytes. Main queue only; owned by the tile loader. A tile that a
+// map holds lives on after it has left the cache.
 #pragma once
 
 #include "Platform/MapKit/MKTile.h"

@@ -37,40 +37,69 @@ int rounded(double value) {
     return static_cast<int>(std::lround(std::clamp(value, -1e9, 1e9)));
 }
 
+// The tiles of a scale in one copy of the world.
+class CopyGrid {
+public:
+    CopyGrid(double tileScale, const MKPixelView& view, int copy)
+        : _top(view.top), _side(MKTileKey::side * (view.scale / tileScale)), _worldLeft(view.worldLeft(copy)),
+          _worldEnd(rounded(view.worldLeft(copy + 1))), _lastIndex(tileColumns(tileScale) - 1) {}
+
+    // Edges round by up to half a pixel: a tile may cover pixels next to its exact extent.
+    int32_t columnAt(double x) const { return index(x - _worldLeft); }
+    int32_t rowAt(double y) const { return index(y + _top); }
+
+    MKPlacedTile place(int32_t column, int32_t row) const {
+        const double x = _worldLeft + column * _side, y = row * _side - _top;
+        const int left = rounded(x), top = rounded(y);
+        const int right = column == _lastIndex ? _worldEnd : rounded(_worldLeft + (column + 1) * _side);
+        const int bottom = rounded((row + 1) * _side - _top);
+        return {column, row, x, y, {left, top, right - left, bottom - top}};
+    }
+
+private:
+    int32_t index(double offset) const {
+        return static_cast<int32_t>(std::clamp(std::floor(offset / _side), 0.0, static_cast<double>(_lastIndex)));
+    }
+
+    const double _top, _side, _worldLeft;
+    const int _worldEnd;
+    const int32_t _lastIndex;
+};
+
+bool meet(const PixelRect& a, const PixelRect& b) {
+    return !a.isEmpty() && !b.isEmpty() && a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height &&
+           b.y < a.y + a.height;
+}
+
 } // namespace
 
 std::vector<MKPlacedTile> tilesInArea(double tileScale, const MKPixelView& view, const PixelRect& area) {
-    const double side = MKTileKey::side * (view.scale / tileScale);
-    const int32_t lastIndex = tileColumns(tileScale) - 1;
-    const auto index = [&](double offset) {
-        return static_cast<int32_t>(std::clamp(std::floor(offset / side), 0.0, static_cast<double>(lastIndex)));
-    };
-    // Edges round by up to half a pixel: a tile may cover pixels next to its exact extent.
-    const int32_t firstRow = index(area.y + view.top - 1);
-    const int32_t lastRow = index(area.y + area.height + view.top + 1);
-
     std::vector<MKPlacedTile> tiles;
     for (int copy = view.firstCopy(area.x - 1); copy <= view.lastCopy(area.x + area.width + 1); ++copy) {
-        const double worldLeft = view.worldLeft(copy);
-        const int worldEnd = rounded(view.worldLeft(copy + 1));
-        const int32_t firstColumn = index(area.x - worldLeft - 1);
-        const int32_t lastColumn = index(area.x + area.width - worldLeft + 1);
-        for (int32_t row = firstRow; row <= lastRow; ++row) {
-            for (int32_t column = firstColumn; column <= lastColumn; ++column) {
-                MKPlacedTile tile{column, row, worldLeft + column * side, row * side - view.top, {}};
-                const int x = rounded(tile.x), y = rounded(tile.y);
-                const int right = column == lastIndex ? worldEnd : rounded(worldLeft + (column + 1) * side);
-                const int bottom = rounded((row + 1) * side - view.top);
-                tile.rect = {x, y, right - x, bottom - y};
-                const bool meets = tile.rect.x < area.x + area.width && right > area.x &&
-                                   tile.rect.y < area.y + area.height && bottom > area.y && !tile.rect.isEmpty();
-                if (meets) {
+        const CopyGrid grid(tileScale, view, copy);
+        const int32_t lastRow = grid.rowAt(area.y + area.height + 1),
+                      lastColumn = grid.columnAt(area.x + area.width + 1);
+        for (int32_t row = grid.rowAt(area.y - 1); row <= lastRow; ++row) {
+            for (int32_t column = grid.columnAt(area.x - 1); column <= lastColumn; ++column) {
+                const MKPlacedTile tile = grid.place(column, row);
+                if (meet(tile.rect, area)) {
                     tiles.push_back(tile);
                 }
             }
         }
     }
     return tiles;
+}
+
+std::vector<MKPlacedTile> placesOfTile(const MKTileKey& key, const MKPixelView& view, const PixelRect& area) {
+    std::vector<MKPlacedTile> places;
+    for (int copy = view.firstCopy(area.x - 1); copy <= view.lastCopy(area.x + area.width + 1); ++copy) {
+        const MKPlacedTile tile = CopyGrid(key.scale, view, copy).place(key.column, key.row);
+        if (meet(tile.rect, area)) {
+            places.push_back(tile);
+        }
+    }
+    return places;
 }
 
 } // namespace veyra

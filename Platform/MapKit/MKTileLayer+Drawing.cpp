@@ -25,8 +25,9 @@ class MKTileLayer::Painter {
 public:
     Painter(const MKTileLayer& layer, const UIGraphicsContext& context)
         : _layer(layer), _cairo(context.cairo), _originX(std::lround(context.origin.x * context.scale)),
-          _originY(std::lround(context.origin.y * context.scale)),
-          _clip{context.clip.x - _originX, context.clip.y - _originY, context.clip.width, context.clip.height} {
+          _originY(std::lround(context.origin.y * context.scale)), _clip{context.clip.x - _originX,
+                                                                         context.clip.y - _originY, context.clip.width,
+                                                                         context.clip.height} {
         const cairo_rectangle_int_t clip{_clip.x, _clip.y, _clip.width, _clip.height};
         _uncovered = cairo_region_create_rectangle(&clip);
         cairo_identity_matrix(_cairo);
@@ -55,10 +56,7 @@ private:
         std::vector<Generation> found;
         for (const auto& [key, tile] : _layer._held) {
             const auto sameKind = [&key = key](const Generation& generation) {
-                MKTileKey other = generation.key;
-                other.column = key.column;
-                other.row = key.row;
-                return other == key;
+                return areOneGeneration(key, generation.key);
             };
             if (std::none_of(found.begin(), found.end(), sameKind)) {
                 found.push_back({key, distanceTo(key)});
@@ -75,24 +73,33 @@ private:
         return levels + (sameWorld ? 0 : 1000) + (key.deviceScale == _layer._scene->deviceScale ? 0 : 0.25);
     }
 
-    void drawGeneration(MKTileKey key) {
-        for (const MKPlacedTile& placed : tilesInArea(key.scale, _layer._view, _clip)) {
-            key.column = placed.column;
-            key.row = placed.row;
-            const auto held = _layer._held.find(key);
-            if (held == _layer._held.end()) {
+    static bool areOneGeneration(const MKTileKey& a, MKTileKey b) {
+        b.column = a.column;
+        b.row = a.row;
+        return a == b;
+    }
+
+    void drawGeneration(const MKTileKey& generation) {
+        for (const auto& [key, tile] : _layer._held) {
+            if (!areOneGeneration(key, generation)) {
                 continue;
             }
-            const cairo_rectangle_int_t rect{placed.rect.x, placed.rect.y, placed.rect.width, placed.rect.height};
-            cairo_region_t* area = cairo_region_copy(_uncovered);
-            cairo_region_intersect_rectangle(area, &rect);
-            if (!cairo_region_is_empty(area)) {
-                setSource(*held->second, placed);
-                fill(area);
-                cairo_region_subtract_rectangle(_uncovered, &rect);
+            for (const MKPlacedTile& placed : placesOfTile(key, _layer._view, _clip)) {
+                drawTile(*tile, placed);
             }
-            cairo_region_destroy(area);
         }
+    }
+
+    void drawTile(const MKTile& tile, const MKPlacedTile& placed) {
+        const cairo_rectangle_int_t rect{placed.rect.x, placed.rect.y, placed.rect.width, placed.rect.height};
+        cairo_region_t* area = cairo_region_copy(_uncovered);
+        cairo_region_intersect_rectangle(area, &rect);
+        if (!cairo_region_is_empty(area)) {
+            setSource(tile, placed);
+            fill(area);
+            cairo_region_subtract_rectangle(_uncovered, &rect);
+        }
+        cairo_region_destroy(area);
     }
 
     void setSource(const MKTile& tile, const MKPlacedTile& placed) {

@@ -16,6 +16,8 @@ constexpr double rankMargin = 3e6;
 
 // Device pixels around the view for which tiles are got ahead.
 constexpr int margin = MKTileKey::side / 2;
+// Tiles of scales so many times finer than the view's cover too little to be worth keeping.
+constexpr double finestScaleOfUse = 8;
 // The overview: the whole world so many pixels wide.
 constexpr double overviewScale = 1024 / MKWorldSide;
 
@@ -129,31 +131,17 @@ bool MKTileLayer::needs(const MKTileKey& key) const {
 }
 
 void MKTileLayer::forgetUseless() {
-    // What may be drawn under tiles that are missing, or is ready for the next moves, is kept; with nothing missing at rest
-    // only the needed scale is of use.
-    const bool others = _missing > 0 || _failedInScene || _scene->scaleIsChanging || _scene->destination;
-    const MKTileKey destination = keyFor(
-        _scene->destination ? _scene->destination->scale * _scene->deviceScale : 0, 0, 0);
-    std::unordered_map<double, std::unordered_set<uint64_t>> near; // places around the view, by scale
-    const auto placeOf = [](int32_t column, int32_t row) {
-        return static_cast<uint64_t>(static_cast<uint32_t>(column)) << 32 | static_cast<uint32_t>(row);
-    };
+    // What may be drawn under tiles that are missing, or is ready for the next moves, is kept; with nothing missing at
+    // rest only the needed scale is of use.
+    const bool othersHelp = _missing > 0 || _failedInScene || _scene->scaleIsChanging || _scene->destination;
+    const double destinationScale = _scene->destination ? _scene->destination->scale * _scene->deviceScale : 0;
     std::erase_if(_held, [&](const auto& entry) {
         const MKTileKey& key = entry.first;
-        if (isOverview(key) || key == MKTileKey{destination.source, destination.mapType, destination.scale,
-                                                destination.deviceScale, key.column, key.row}) {
+        if (isOverview(key) || key == keyFor(destinationScale, key.column, key.row)) {
             return false;
         }
-        if (!others && !needs(key)) {
-            return true;
-        }
-        const auto [places, isNew] = near.try_emplace(key.scale);
-        if (isNew) {
-            for (const MKPlacedTile& placed : tilesInArea(key.scale, _view, withMargin(_view))) {
-                places->second.insert(placeOf(placed.column, placed.row));
-            }
-        }
-        return !places->second.contains(placeOf(key.column, key.row));
+        const bool isOfUse = needs(key) || (othersHelp && key.scale < _view.scale * finestScaleOfUse);
+        return !isOfUse || placesOfTile(key, _view, withMargin(_view)).empty();
     });
 }
 
@@ -172,12 +160,10 @@ void MKTileLayer::tileLoaded(const std::shared_ptr<const MKTile>& tile) {
         --_missing;
     }
     if (rank < rankDestination) {
-        for (const MKPlacedTile& placed : tilesInArea(key.scale, _view, wholeOf(_view))) {
-            if (placed.column == key.column && placed.row == key.row) {
-                const double scale = _scene->deviceScale;
-                _arrived({{placed.rect.x / scale, placed.rect.y / scale},
-                          {placed.rect.width / scale, placed.rect.height / scale}});
-            }
+        const double scale = _scene->deviceScale;
+        for (const MKPlacedTile& placed : placesOfTile(key, _view, wholeOf(_view))) {
+            _arrived({{placed.rect.x / scale, placed.rect.y / scale},
+                      {placed.rect.width / scale, placed.rect.height / scale}});
         }
     }
 }

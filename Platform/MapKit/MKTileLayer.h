@@ -1,8 +1,9 @@
-// The picture of the world under everything else in a map view, put together from tiles. Main queue only; owned by its map view.
+// The picture of the world under everything else in a map view, put together from tiles. Main queue only; owned by its
+// map view.
 //
-// A map that rests, or moves at its scale, is drawn from tiles of its exact scale, pixel for pixel. While the scale changes,
-// tiles of the nearest half zoom step are drawn scaled. Until a tile has come, what is held of other scales is shown in its
-// place: there is always the whole world at a low zoom.
+// A map that rests, or moves at its scale, is drawn from tiles of its exact scale, pixel for pixel. While the scale
+// changes, tiles of the nearest half zoom step are drawn scaled. Until a tile has come, what is held of other scales is
+// shown in its place: there is always the whole world at a low zoom.
 #pragma once
 
 #include "Platform/MapKit/MKTileGrid.h"
@@ -28,8 +29,8 @@ struct MKTileScene {
 
 class MKTileLayer final : private MKTileLoaderClient {
 public:
-    /// `arrived` is called with an area of the view (points) whose picture has become better; `failed` with the reason when a
-    /// tile that the scene needs cannot be had.
+    /// `arrived` is called with an area of the view (points) whose picture has become better; `failed` with the reason
+    /// when a tile that the scene needs cannot be had.
     MKTileLayer(std::shared_ptr<const MKTileSource> source, std::function<void(const CGRect&)> arrived,
                 std::function<void(const std::string&)> failed);
     ~MKTileLayer() override;

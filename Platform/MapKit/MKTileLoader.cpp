@@ -70,8 +70,8 @@ void MKTileLoader::take(const MKTileResult& result) {
     }
     _workers.acknowledge(result.key);
     for (MKTileLoaderClient* client : clients) {
-        const bool isStillThere = std::any_of(_wishes.begin(), _wishes.end(),
-                                              [&](const Wishes& wishes) { return wishes.client == client; });
+        const bool isStillThere =
+            std::any_of(_wishes.begin(), _wishes.end(), [&](const Wishes& wishes) { return wishes.client == client; });
         if (isStillThere && result.tile) {
             client->tileLoaded(result.tile);
         } else if (isStillThere) {

@@ -29,8 +29,8 @@ public:
     static MKTileLoader& shared();
 
     std::shared_ptr<const MKTile> cachedTile(const MKTileKey& key) { return _cache.find(key); }
-    /// Replaces what the client wants of the source; what it wanted before and no thread has begun is cancelled. The tiles are not
-    /// in the cache.
+    /// Replaces what the client wants of the source; what it wanted before and no thread has begun is cancelled. The
+    /// tiles are not in the cache.
     void setWantedTiles(MKTileLoaderClient* client, const std::shared_ptr<const MKTileSource>& source,
                         std::vector<MKWantedTile> tiles);
     void removeClient(MKTileLoaderClient* client);

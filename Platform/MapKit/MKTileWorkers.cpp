@@ -14,7 +14,8 @@ MKTileWorkers::MKTileWorkers(unsigned count, Completion completion) : _completio
 void MKTileWorkers::setJobs(std::vector<MKTileJob> jobs) {
     {
         const NSLockGuard guard(_mutex);
-        std::erase_if(jobs, [this](const MKTileJob& job) VEYRA_REQUIRES(_mutex) { return _underWay.contains(job.key); });
+        std::erase_if(jobs,
+                      [this](const MKTileJob& job) VEYRA_REQUIRES(_mutex) { return _underWay.contains(job.key); });
         std::reverse(jobs.begin(), jobs.end());
         _jobs.swap(jobs);
     }

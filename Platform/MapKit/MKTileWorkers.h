@@ -1,5 +1,5 @@
-// Threads that draw tiles. One set a process, made with the first tile and never destroyed; every method may be called on any
-// thread and none waits for a drawing.
+// Threads that draw tiles. One set a process, made with the first tile and never destroyed; every method may be called
+// on any thread and none waits for a drawing.
 #pragma once
 
 #include "Platform/Foundation/NSLock.h"
@@ -34,8 +34,8 @@ public:
     /// The threads never end.
     ~MKTileWorkers() = delete;
 
-    /// Replaces the jobs that no thread has begun; the first ones are drawn first. A job that is under way, or whose result has
-    /// not been taken in by `acknowledge`, is left out.
+    /// Replaces the jobs that no thread has begun; the first ones are drawn first. A job that is under way, or whose
+    /// result has not been taken in by `acknowledge`, is left out.
     void setJobs(std::vector<MKTileJob> jobs) VEYRA_EXCLUDES(_mutex);
     /// The result of that job has been taken in; the tile may be asked for again.
     void acknowledge(const MKTileKey& key) VEYRA_EXCLUDES(_mutex);
@@ -47,7 +47,7 @@ private:
     const Completion _completion;
     NSLock _mutex;
     std::condition_variable_any _jobsCame;
-    std::vector<MKTileJob> _jobs VEYRA_GUARDED_BY(_mutex);                 // the next one last
+    std::vector<MKTileJob> _jobs VEYRA_GUARDED_BY(_mutex);            // the next one last
     std::unordered_set<MKTileKey> _underWay VEYRA_GUARDED_BY(_mutex); // begun and not acknowledged
 };
 

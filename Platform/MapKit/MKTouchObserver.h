@@ -1,5 +1,5 @@
-// Sees every touch that goes down in its view, and is no gesture itself: it prevents none and is never recognised. By it a
-// touch stops a map that moves on its own. Main queue only.
+// Sees every touch that goes down in its view, and is no gesture itself: it prevents none and is never recognised. By
+// it a touch stops a map that moves on its own. Main queue only.
 #pragma once
 
 #include "Platform/UIKit/UIGestureRecognizer.h"

@@ -1,5 +1,5 @@
-// A zoom by wheel or touchpad: every turn moves the scale that it aims at, and the camera follows smoothly, with the place
-// under the pointer kept there. It ends a moment after the last turn.
+// A zoom by wheel or touchpad: every turn moves the scale that it aims at, and the camera follows smoothly, with the
+// place under the pointer kept there. It ends a moment after the last turn.
 #pragma once
 
 #include "Platform/MapKit/MKMotion.h"
@@ -13,8 +13,9 @@ class MKWheelZoom final : public MKMotion {
 public:
     /// A gesture has ended this many seconds after its last turn.
     static constexpr double quietTime = 0.2;
-    /// How many zoom levels (doublings of the scale) an event asks for; positive zooms in. A notch of a wheel, 100 to 120
-    /// points, is about 0.4; the deltas of a touchpad pinch are about ten times smaller and count ten times as much.
+    /// How many zoom levels (doublings of the scale) an event asks for; positive zooms in. A notch of a wheel, 100 to
+    /// 120 points, is about 0.4; the deltas of a touchpad pinch are about ten times smaller and count ten times as
+    /// much.
     static double levelsFor(const UIScrollEvent& event);
 
     explicit MKWheelZoom(double scale) : _target(scale) {}

@@ -48,16 +48,18 @@ TEST_F(BadInput, AGetterThatThrowsIsReportedToTheConsoleAndItsKeyIsMissing) {
 }
 
 TEST_F(BadInput, AGetterThatThrowsOnlyAfterTheCheckCountsAsZero) {
-    EXPECT_EQ(run("let n = 0; p = map.convertRectToRegion({ get x() { if (n++) throw new Error('once'); return 1 }, y: 0, "
-                  "width: 320, height: 480 }); q = map.convertRectToRegion({ x: 0, y: 0, width: 320, height: 480 }); "
-                  "JSON.stringify(p) === JSON.stringify(q)"),
-              "true");
+    EXPECT_EQ(
+        run("let n = 0; p = map.convertRectToRegion({ get x() { if (n++) throw new Error('once'); return 1 }, y: 0, "
+            "width: 320, height: 480 }); q = map.convertRectToRegion({ x: 0, y: 0, width: 320, height: 480 }); "
+            "JSON.stringify(p) === JSON.stringify(q)"),
+        "true");
     EXPECT_EQ(consoleErrors(), "Error: once");
 }
 
 TEST_F(BadInput, AProxyWhoseTrapsThrowHasNoKeys) {
     EXPECT_EQ(run("map.setCenterCoordinate(new Proxy({}, { get(t, key) { throw key } }))"),
-              "threw: Error: Object passed to 'setCenterCoordinate' does not contain keys (\n    latitude,\n    longitude\n)");
+              "threw: Error: Object passed to 'setCenterCoordinate' does not contain keys (\n    latitude,\n    "
+              "longitude\n)");
     EXPECT_EQ(consoleErrors(), "latitude\nlongitude");
 }
 
@@ -89,10 +91,12 @@ TEST_F(BadInput, AFaultInACallWithinAGetterIsThatCallsAlone) {
     EXPECT_NEAR(mapView().region().center.latitude, 3, 1e-9);
 }
 
-TEST_F(BadInput, AGetterThatCallsItsOwnMethodDeeplyEndsInTheEnginesLimit) {
-    EXPECT_EQ(run("let left = 30000; const o = { get latitude() { if (--left > 0) map.setCenterCoordinate(o); return 1 }, "
-                  "longitude: 2 }; try { map.setCenterCoordinate(o) } catch (e) {} left <= 0"),
-              "true");
+TEST_F(BadInput, AGetterThatCallsItsOwnMethodForEverEndsAtTheEnginesLimit) {
+    EXPECT_EQ(run("depth = 0; o = { get latitude() { ++depth; map.setCenterCoordinate(o); return 1 }, longitude: 2 }; "
+                  "map.setCenterCoordinate(o)"),
+              "threw: Error: Object passed to 'setCenterCoordinate' does not contain keys (\n    latitude\n)");
+    EXPECT_GT(std::stoi(run("depth")), 100);
+    EXPECT_EQ(run("map.setCenterCoordinate({ latitude: 1, longitude: 2 })"), "undefined");
     runMain();
     EXPECT_NEAR(mapView().region().center.latitude, 1, 1e-9);
 }
@@ -124,7 +128,8 @@ TEST_F(BadInput, ThePageMayEndWhileAKeyIsRead) {
 }
 
 TEST_F(BadInput, TheMapMayStopInsideAnAssignment) {
-    run("try { map.region = { latitude: 1, longitude: 1, latitudeDelta: 1, get longitudeDelta() { stopMap(); return 1 } } "
+    run("try { map.region = { latitude: 1, longitude: 1, latitudeDelta: 1, get longitudeDelta() { stopMap(); return 1 "
+        "} } "
         "} catch (e) {}");
     settle();
     EXPECT_EQ(VeyraView::liveViews(), 0u);
@@ -133,15 +138,17 @@ TEST_F(BadInput, TheMapMayStopInsideAnAssignment) {
 TEST_F(BadInput, ALengthThatIsNoNumberCountsAsZero) {
     for (const char* method : {"addAnnotations", "removeAnnotations", "addOverlays", "removeOverlays"})
         for (const char* length : {"'3'", "{}", "[]", "NaN", "0", "false", "-0", "0.9"})
-            EXPECT_EQ(run("let n = 0; map." + std::string(method) + "(new Proxy({}, { get(t, key) { if (key === '0') ++n; "
-                          "return key === 'length' ? " + length + " : undefined } })); n"),
+            EXPECT_EQ(run("n = 0; map." + std::string(method) +
+                          "(new Proxy({}, { get(t, key) { if (key === '0') ++n; "
+                          "return key === 'length' ? " +
+                          length + " : undefined } })); n"),
                       "0")
                 << method << " " << length;
 }
 
 TEST_F(BadInput, AFractionalLengthTruncatesAndTrueIsOne) {
     for (const char* length : {"1.9", "true"})
-        EXPECT_EQ(run("let n = 0; try { map.addAnnotations({ length: " + std::string(length) +
+        EXPECT_EQ(run("n = 0; try { map.addAnnotations({ length: " + std::string(length) +
                       ", get 0() { ++n }, get 1() { ++n } }) } catch (e) {} n"),
                   "1");
 }
@@ -158,7 +165,8 @@ TEST_F(BadInput, AFalseLengthCostsWhatALoopWouldCost) {
 
 TEST_F(BadInput, ANegativeLengthWrapsAndTheWalkEndsWithThePage) {
     for (const char* method : {"addAnnotations", "removeAnnotations", "addOverlays", "removeOverlays"}) {
-        EXPECT_EQ(run("let n = 0; try { map." + std::string(method) + "(new Proxy({}, { get(t, key) { "
+        EXPECT_EQ(run("n = 0; try { map." + std::string(method) +
+                      "(new Proxy({}, { get(t, key) { "
                       "if (key === 'length') return -1; if (++n === 100) endPage(); } })) } catch (e) {} n"),
                   "100")
             << method;
@@ -193,7 +201,8 @@ TEST_F(BadInput, AConsoleThatThrowsOrIsGoneDoesNotMatter) {
 }
 
 TEST_F(BadInput, ReplacedBuiltInsDoNotMatter) {
-    run("Error = undefined; TypeError = undefined; Object = undefined; Array = undefined; globalThis.Number = undefined; "
+    run("Error = undefined; TypeError = undefined; Object = undefined; Array = undefined; globalThis.Number = "
+        "undefined; "
         "globalThis.String = undefined");
     EXPECT_EQ(run("try { map.setRegion(null) } catch (e) { e.message }"), "Null object passed to 'setRegion'");
     EXPECT_EQ(run("try { map.setRegion.call({}) } catch (e) { e.message }"),
@@ -202,21 +211,16 @@ TEST_F(BadInput, ReplacedBuiltInsDoNotMatter) {
     EXPECT_EQ(run("JSON.stringify(map.centerCoordinate)"), R"({"latitude":0,"longitude":0})");
 }
 
-TEST_F(BadInput, PollutedPrototypesDoNotReachIntoResults) {
-    run("Object.defineProperty(Object.prototype, 'latitude', { set(v) { stolen = v }, get() { return 77 }, "
-        "configurable: true })");
-    EXPECT_EQ(run("typeof stolen + ' ' + map.region.latitude"), "undefined 0");
-}
-
 TEST_F(BadInput, SymbolsAndBigIntegersAreNoObjects) {
     EXPECT_EQ(run("map.setRegion(Symbol.iterator)"), "threw: Error: Invalid object passed to 'setRegion'");
-    EXPECT_EQ(run("map.setRegion({ latitude: Symbol(), longitude: 1, latitudeDelta: 1, longitudeDelta: 1n })"),
-              "threw: Error: Object passed to 'setRegion' does not contain keys (\n    latitude,\n    longitudeDelta\n)");
+    EXPECT_EQ(
+        run("map.setRegion({ latitude: Symbol(), longitude: 1, latitudeDelta: 1, longitudeDelta: 1n })"),
+        "threw: Error: Object passed to 'setRegion' does not contain keys (\n    latitude,\n    longitudeDelta\n)");
 }
 
 TEST_F(BadInput, OtherObjectsOfTheEngineAreScriptObjects) {
-    for (const char* object : {"new Date()", "/x/", "new Map()", "new Float64Array(4)", "Promise.resolve()", "globalThis",
-                               "function f() {}", "new String('text')", "map"})
+    for (const char* object : {"new Date()", "/x/", "new Map()", "new Float64Array(4)", "Promise.resolve()",
+                               "globalThis", "function f() {}", "new String('text')", "map"})
         EXPECT_EQ(run("map.convertPointToCoordinate(" + std::string(object) + ")"),
                   "threw: Error: Object passed to 'convertPointToCoordinate' does not contain keys (\n    x,\n    y\n)")
             << object;

@@ -67,8 +67,8 @@ TEST_F(Conversions, InputsAreNotClamped) {
 
 TEST_F(Conversions, PointsAreTakenInSinglePrecision) {
     const double x = 0.10000000149011612, y = static_cast<double>(33.3f);
-    const auto c = MKCoordinateForMapPoint({visible.origin.x + x / 320 * visible.size.width,
-                                            visible.origin.y + y / 480 * visible.size.height});
+    const auto c = MKCoordinateForMapPoint(
+        {visible.origin.x + x / 320 * visible.size.width, visible.origin.y + y / 480 * visible.size.height});
     const auto found = convert<VeyraLocationCoordinateSO>("map.convertPointToCoordinate({ x: 0.1, y: 33.3 })");
     EXPECT_EQ(found->latitude(), c.latitude);
     EXPECT_EQ(found->longitude(), c.longitude);
@@ -136,13 +136,14 @@ TEST_F(Conversions, TheRegionThatFitsIsTheOneThatTheMapWouldShow) {
 }
 
 TEST_F(Conversions, ARegionThatIsNotFiniteComesBackAsItIs) {
-    EXPECT_EQ(run("r = map.regionThatFits({ latitude: NaN, longitude: 2, latitudeDelta: 3, longitudeDelta: Infinity }); "
-                  "[r.latitude, r.longitude, r.latitudeDelta, r.longitudeDelta].join()"),
-              "NaN,2,3,Infinity");
+    EXPECT_EQ(
+        run("r = map.regionThatFits({ latitude: NaN, longitude: 2, latitudeDelta: 3, longitudeDelta: Infinity }); "
+            "[r.latitude, r.longitude, r.latitudeDelta, r.longitudeDelta].join()"),
+        "NaN,2,3,Infinity");
 }
 
 TEST_F(Conversions, KeysAreReadForTheCheckAndThenInTheOrderOfEachConversion) {
-    run("reads = []; proxy = new Proxy({}, { get(target, key) { reads.push(key); return 1 } })");
+    evaluate("reads = []; proxy = new Proxy({}, { get(target, key) { reads.push(key); return 1 } })");
     const auto readsOf = [this](const char* method) {
         return run("map." + std::string(method) + "(proxy); reads.splice(0).join()");
     };

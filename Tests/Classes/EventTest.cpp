@@ -105,7 +105,7 @@ TEST_F(Event, FindTheMethodThatTheListenerHasWhenTheyArrive) {
 }
 
 TEST_F(Event, MethodsAreFoundOnTheListenersPrototypeToo) {
-    run("class Listener { mapRegionWillChange() { called = this.name } }; map.listener = new Listener; "
+    run("class Listener { mapRegionWillChange() { globalThis.called = this.name } }; map.listener = new Listener; "
         "map.listener.name = 'instance'");
     sendWillChange();
     runWeb();

@@ -103,10 +103,10 @@ TEST_F(GeoMap, AFailureAtTheStartIsLoggedAndTheStartGoesOn) {
     run("Object.defineProperty(globalThis, 'GeoMap', { get() { throw new Error('no map here') } })");
     const CapturedLog log;
     makeMap();
-    EXPECT_EQ(log.lines(), (std::vector<std::string>{
-                               "message: -[VeyraView webPlugInInitialize] Unable to create the GeoMap class: "
-                               "Error Domain=NSURLErrorDomain Code=-1 UserInfo={exception=Error: no map here, "
-                               "message=Unable to get existing class object from global object.}"}));
+    EXPECT_EQ(log.lines(),
+              (std::vector<std::string>{"message: -[VeyraView webPlugInInitialize] Unable to create the GeoMap class: "
+                                        "Error Domain=NSURLErrorDomain Code=-1 UserInfo={exception=Error: no map here, "
+                                        "message=Unable to get existing class object from global object.}"}));
     EXPECT_EQ(run("map.mapType"), "0");
     EXPECT_EQ(consoleErrors(), "");
 }

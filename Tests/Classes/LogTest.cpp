@@ -43,8 +43,7 @@ TEST_F(ViewLog, WritesNothingOfUnknownIdentifiersUnlessItIsVerbose) {
 
 TEST_F(ViewLog, NamesUnknownAnnotationsWhenItIsVerbose) {
     view().setVerboseDebugLoggingEnabled(true);
-    EXPECT_EQ(lines("map.removeAnnotation('a')"),
-              "message: Map does not have annotation with Id 'a'; cannot remove");
+    EXPECT_EQ(lines("map.removeAnnotation('a')"), "message: Map does not have annotation with Id 'a'; cannot remove");
     EXPECT_EQ(lines("map.removeAnnotations(['b', 5])"),
               "message: Map does not have annotation with Id 'b'; cannot remove\n"
               "message: Map does not have annotation with Id '5'; cannot remove");

@@ -34,7 +34,8 @@ constexpr const char* lima = "{ latitude: -12, longitude: -77, latitudeDelta: 2,
 } // namespace
 
 TEST_F(RegionBeforeLayout, ReadsAreZeroUntilTheMapHasReported) {
-    EXPECT_EQ(run("JSON.stringify(map.region)"), R"({"latitude":0,"longitude":0,"latitudeDelta":0,"longitudeDelta":0})");
+    EXPECT_EQ(run("JSON.stringify(map.region)"),
+              R"({"latitude":0,"longitude":0,"latitudeDelta":0,"longitudeDelta":0})");
     EXPECT_EQ(run("JSON.stringify(map.centerCoordinate)"), R"({"latitude":0,"longitude":0})");
     run("map.setRegion(" + std::string(vienna) + ")");
     settle();
@@ -45,7 +46,8 @@ TEST_F(RegionBeforeLayout, RegionsAreClampedBeforeTheyReachTheMap) {
     expectAsked("map.setRegion({ latitude: 1, longitude: 2, latitudeDelta: 500, longitudeDelta: 4 })", 1, 2, 180, 4);
     expectAsked("map.setRegion({ latitude: 95, longitude: -200, latitudeDelta: -3, longitudeDelta: 400 })", 90, -180, 0,
                 360);
-    expectAsked("map.region = { latitude: -95, longitude: 200, latitudeDelta: 3, longitudeDelta: NaN }", -90, 180, 3, 360);
+    expectAsked("map.region = { latitude: -95, longitude: 200, latitudeDelta: 3, longitudeDelta: NaN }", -90, 180, 3,
+                360);
 }
 
 TEST_F(RegionBeforeLayout, CentresReachTheMapUnchanged) {
@@ -72,7 +74,7 @@ TEST_F(RegionBeforeLayout, WhatWasSetIsShownByTheFirstLayoutAndReportedOnce) {
 }
 
 TEST_F(RegionBeforeLayout, KeysAreReadForTheCheckInOrderAndThenForTheirValues) {
-    run("reads = []; proxy = new Proxy({}, { get(target, key) { reads.push(key); return 1 } })");
+    evaluate("reads = []; proxy = new Proxy({}, { get(target, key) { reads.push(key); return 1 } })");
     run("map.setRegion(proxy)");
     EXPECT_EQ(run("reads.splice(0).join()"), "latitude,longitude,latitudeDelta,longitudeDelta,"
                                              "latitudeDelta,longitudeDelta,latitude,longitude");
@@ -181,8 +183,8 @@ TEST_F(Region, ACentreThatIsNotFiniteIsLoggedAndIgnored) {
     run("map.setCenterCoordinate({ latitude: NaN, longitude: 0 })");
     run("map.centerCoordinate = { latitude: 0, longitude: Infinity }");
     settle();
-    EXPECT_EQ(log.lines(), std::vector<std::string>(
-                               2, "message: MKMapView: a centre with a value that is not finite is ignored"));
+    EXPECT_EQ(log.lines(),
+              std::vector<std::string>(2, "message: MKMapView: a centre with a value that is not finite is ignored"));
     EXPECT_EQ(recorded(), "");
     expectShown(0, 0);
 }

@@ -145,7 +145,8 @@ TEST_F(Settings, LoadingCallbacksAreEventsWithoutArguments) {
     record();
     onMain([&] {
         view().mapViewWillStartLoadingMap(mapView());
-        view().mapViewDidFailLoadingMapWithError(mapView(), std::make_shared<NSError>("domain", 5, NSDictionary::Map{}));
+        view().mapViewDidFailLoadingMapWithError(mapView(),
+                                                 std::make_shared<NSError>("domain", 5, NSDictionary::Map{}));
         view().mapViewDidFailLoadingMapWithError(mapView(), nullptr);
         view().mapViewDidFinishLoadingMap(mapView());
         view().mapViewRegionWillChangeAnimated(mapView(), true);

@@ -10,9 +10,21 @@ using Surface = MapFixture;
 namespace {
 
 const std::vector<std::string> propertyNames = {
-    "listener",     "mapType",       "region",          "centerCoordinate", "showsUserLocation",
-    "userLocationVisible", "userLocation", "zoomEnabled", "scrollEnabled",  "longPressDropsPin",
-    "droppedPinTitle", "droppedPinIdentifier", "annotations", "selectedAnnotations", "overlays",
+    "listener",
+    "mapType",
+    "region",
+    "centerCoordinate",
+    "showsUserLocation",
+    "userLocationVisible",
+    "userLocation",
+    "zoomEnabled",
+    "scrollEnabled",
+    "longPressDropsPin",
+    "droppedPinTitle",
+    "droppedPinIdentifier",
+    "annotations",
+    "selectedAnnotations",
+    "overlays",
 };
 
 const std::vector<std::pair<std::string, std::string>> methodNames = {
@@ -139,20 +151,22 @@ TEST_F(Surface, TheListenerLivesAsLongAsTheMapHoldsIt) {
 }
 
 TEST_F(Surface, AssigningToTheFivePropertiesForReadingChangesNothingAndRaisesNothing) {
-    const std::string state = "JSON.stringify([map.annotations, map.selectedAnnotations, map.overlays, map.userLocation, "
-                              "map.userLocationVisible])";
+    const std::string state =
+        "JSON.stringify([map.annotations, map.selectedAnnotations, map.overlays, map.userLocation, "
+        "map.userLocationVisible])";
     const std::string before = run(state);
     EXPECT_EQ(before, R"([[],[],[],{"latitude":0,"longitude":0,"altitude":0,"horizontalAccuracy":0,)"
                       R"("verticalAccuracy":0},false])");
     for (const char* value : {"['a']", "null", "undefined", "true", "{ latitude: 1 }", "'text'", "5"})
-        for (const char* name : {"annotations", "selectedAnnotations", "overlays", "userLocation", "userLocationVisible"})
+        for (const char* name :
+             {"annotations", "selectedAnnotations", "overlays", "userLocation", "userLocationVisible"})
             EXPECT_EQ(run("'use strict'; map." + std::string(name) + " = (" + value + "); 'accepted'"), "accepted");
     EXPECT_EQ(run(state), before);
 }
 
 TEST_F(Surface, ArraysAndValueObjectsAreNewWithEachRead) {
-    for (const char* name : {"annotations", "selectedAnnotations", "overlays", "userLocation", "region",
-                             "centerCoordinate"})
+    for (const char* name :
+         {"annotations", "selectedAnnotations", "overlays", "userLocation", "region", "centerCoordinate"})
         EXPECT_EQ(run("map." + std::string(name) + " === map." + name), "false") << name;
     EXPECT_EQ(run("map.annotations.push('x'); map.annotations.length"), "0");
     EXPECT_EQ(run("map.region.latitude = 5; map.region.latitude"), "0");

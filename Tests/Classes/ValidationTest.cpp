@@ -26,7 +26,8 @@ protected:
     }
     /// The message with which the script throws an Error, or what it gives without throwing.
     std::string message(const std::string& script) {
-        return run("(() => { try { " + script + "; return 'nothing thrown' } catch (e) { "
+        return run("(() => { try { " + script +
+                   "; return 'nothing thrown' } catch (e) { "
                    "return e.constructor === Error ? e.message : 'no plain Error: ' + e } })()");
     }
 
@@ -98,7 +99,7 @@ TEST_F(Validation, KeysThatAreNotPurelyAlphanumericAreQuotedInTheMessage) {
 }
 
 TEST_F(Validation, KeysAreReadOnceEachInTheOrderRequired) {
-    run("reads = []; proxy = new Proxy({}, { get(target, key) { reads.push(key); return 1 } })");
+    evaluate("reads = []; proxy = new Proxy({}, { get(target, key) { reads.push(key); return 1 } })");
     EXPECT_TRUE(validate(native("proxy"), nullptr, "c", {"z", "b", "a"}));
     EXPECT_EQ(run("reads.join()"), "z,b,a");
 }
@@ -106,8 +107,8 @@ TEST_F(Validation, KeysAreReadOnceEachInTheOrderRequired) {
 TEST_F(Validation, OutsideOfAScriptCallTheMessageIsLogged) {
     const CapturedLog log;
     EXPECT_FALSE(VeyraValidateWebScriptObject(id(), nullptr, "c", {}));
-    EXPECT_EQ(log.lines(), std::vector<std::string>{
-                               "message: Script exception outside of a call: Null object passed to 'c'"});
+    EXPECT_EQ(log.lines(),
+              std::vector<std::string>{"message: Script exception outside of a call: Null object passed to 'c'"});
 }
 
 namespace {
@@ -238,8 +239,9 @@ TEST_F(Validation, AnAssignedPropertyIsValidatedWithoutAName) {
 
 TEST_F(Validation, AnnotationIdentifiersMustBeStrings) {
     for (const char* identifier : {"5", "true", "{}", "[]"})
-        EXPECT_EQ(message(std::string("map.addAnnotation({ latitude: 1, longitude: 2, identifier: ") + identifier + "})"),
-                  "Annotation identifiers must be of type string");
+        EXPECT_EQ(
+            message(std::string("map.addAnnotation({ latitude: 1, longitude: 2, identifier: ") + identifier + "})"),
+            "Annotation identifiers must be of type string");
     EXPECT_EQ(message("map.addAnnotation({ latitude: 1, longitude: 2, identifier: '' })"), "nothing thrown");
 }
 

@@ -1,8 +1,8 @@
 // A page with a map, for tests of the plug-in classes: a bare script context, and a host that runs nothing by itself.
 //
-// The test's one thread is the web thread, except while it runs `runMain` or `onMain`: then it is the main queue, and what
-// goes to the web thread is queued. So a test knows exactly what has happened before and after each queue has run. Owns the
-// page and its maps; when the test is over, every view must be gone.
+// The test's one thread is the web thread, except while it runs `runMain` or `onMain`: then it is the main queue, and
+// what goes to the web thread is queued. So a test knows exactly what has happened before and after each queue has run.
+// Owns the page and its maps; when the test is over, every view must be gone.
 #pragma once
 
 #include "Hosts/Common/PlugInInstance.h"
@@ -91,11 +91,12 @@ protected:
     MapFixture() { makeMap(); }
 };
 
-/// The same with a map of 320 × 480 points that shows the world and has reported it.
+/// The same with a map of 320 × 480 points that shows the world around 0, 0 and has reported it.
 class ShownMapFixture : public MapFixture {
 protected:
     ShownMapFixture() {
         layOut();
+        onMain([&] { mapView().setRegion({{0, 0}, {20, 20}}); });
         settle();
     }
 };

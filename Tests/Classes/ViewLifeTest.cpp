@@ -195,6 +195,16 @@ TEST_F(ViewLife, SuperviewOfAShownViewIsItsWindow) {
     EXPECT_EQ(view().superview(), nullptr);
 }
 
+TEST_F(ViewLife, TheViewFillsItsWindow) {
+    const auto map = makeMap();
+    layOut(320, 480);
+    EXPECT_EQ(view().frame(), (CGRect{{0, 0}, {320, 480}}));
+    layOut(0, 0);
+    layOut(100, 50);
+    EXPECT_EQ(view().frame(), (CGRect{{0, 0}, {100, 50}}));
+    EXPECT_EQ(mapView().frame(), (CGRect{{0, 0}, {100, 50}}));
+}
+
 TEST_F(ViewLife, LayoutStoresTheSizeBeforeTheMapReportsItsRegion) {
     const auto map = makeMap();
     record();

@@ -42,6 +42,18 @@ behaviour('maps work in sandboxed frames and data addresses', async () => {
     }
 });
 
+behaviour('a frame that may run no scripts does no harm', async () => {
+    const element = document.createElement('iframe');
+    element.setAttribute('sandbox', 'allow-same-origin');
+    await loaded(element, () => {
+        element.srcdoc = `<object id="m" type="${mapType}"></object>`;
+        document.getElementById('stage').append(element);
+    });
+    equal(element.contentDocument.getElementById('m').mapType, undefined, 'no map in it');
+    element.remove();
+    equal(addMap().mapType, 0, 'a map of this page');
+});
+
 behaviour('a removed frame ends its maps', async () => {
     const element = addFrame();
     const map = addMap(element.contentDocument);

@@ -116,8 +116,8 @@ behaviour('moved within the document it has a new map', () => {
 
 behaviour('several maps keep their own values', () => {
     const maps = Array.from({ length: 8 }, () => addMap());
-    maps.forEach((map, i) => { map.droppedPinTitle = `pin ${i}`; });
-    maps.forEach((map, i) => equal(map.droppedPinTitle, `pin ${i}`, `map ${i}`));
+    maps.forEach((map, i) => { map.droppedPinIdentifier = `pin ${i}`; });
+    maps.forEach((map, i) => equal(map.droppedPinIdentifier, `pin ${i}`, `map ${i}`));
 });
 
 behaviour('a method taken off one map acts on another', () => {

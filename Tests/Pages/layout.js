@@ -74,3 +74,7 @@ behaviour('rules of the page for all elements do not hide the surface', async ()
         document.adoptedStyleSheets = document.adoptedStyleSheets.filter((other) => other !== sheet);
     }
 });
+
+behaviour('an element with data shows its map', async () => {
+    equal(await sizes(addStyled('width: 210px; height: 110px', { data: 'map.html' })), '210,110,210,110', 'sizes');
+});

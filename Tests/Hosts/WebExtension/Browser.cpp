@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace veyra::test {
 
 namespace {
@@ -43,7 +45,9 @@ Browser::Browser() : _server(new PageServer) {
     gtk_widget_grab_focus(GTK_WIDGET(_view));
 }
 
-std::string Browser::address(const std::string& path) const { return _server->origin() + path; }
+std::string Browser::address(const std::string& path) const {
+    return _server->origin() + path;
+}
 
 void Browser::load(const std::string& to) {
     _isLoaded = false;
@@ -125,7 +129,9 @@ uint64_t Browser::statistic(const char* name) {
     return number;
 }
 
-void Browser::collectGarbage() { ask("veyra-collect-garbage"); }
+void Browser::collectGarbage() {
+    ask("veyra-collect-garbage");
+}
 
 bool Browser::waitUntil(const std::function<bool()>& condition, double seconds) {
     bool isLate = false;
@@ -151,14 +157,12 @@ Pixel Browser::pixelAt(int x, int y) {
         },
         &picture);
     EXPECT_TRUE(waitUntil([&] { return picture != nullptr; }));
-    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
-    cairo_t* cairo = cairo_create(image);
-    cairo_set_source_surface(cairo, picture, -x, -y);
-    cairo_paint(cairo);
-    cairo_destroy(cairo);
-    cairo_surface_flush(image);
-    const uint32_t value = *reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(image));
-    cairo_surface_destroy(image);
+    // The snapshot has the pixels of the device.
+    const int scale = cairo_image_surface_get_width(picture) / gtk_widget_get_allocated_width(GTK_WIDGET(_view));
+    const unsigned char* row = cairo_image_surface_get_data(picture) +
+                               ptrdiff_t{cairo_image_surface_get_stride(picture)} * y * scale;
+    uint32_t value = 0;
+    std::memcpy(&value, row + ptrdiff_t{4} * x * scale, sizeof(value));
     cairo_surface_destroy(picture);
     return {static_cast<int>(value >> 16 & 255), static_cast<int>(value >> 8 & 255), static_cast<int>(value & 255)};
 }

@@ -1,5 +1,5 @@
-// A small WebKitGTK application around one web view, for tests: it loads the built module from its own extensions folder
-// and serves the test pages from a loopback server. One for the whole test program, on its main thread.
+// A small WebKitGTK application around one web view, for tests: it loads the built module from its own extensions
+// folder and serves the test pages from a loopback server. One for the whole test program, on its main thread.
 #pragma once
 
 #include <gtk/gtk.h>

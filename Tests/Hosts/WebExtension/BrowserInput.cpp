@@ -4,7 +4,9 @@ namespace veyra::test {
 
 namespace {
 
-guint32 now() { return static_cast<guint32>(g_get_monotonic_time() / 1000); }
+guint32 now() {
+    return static_cast<guint32>(g_get_monotonic_time() / 1000);
+}
 
 } // namespace
 
@@ -19,7 +21,9 @@ void Browser::send(GdkEvent* event, GdkDevice* device) {
     wait(0.02);
 }
 
-static GdkDevice* pointer() { return gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())); }
+static GdkDevice* pointer() {
+    return gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
+}
 
 void Browser::touch(GdkEventType type, int finger, double x, double y) {
     GdkEvent* event = gdk_event_new(type);

@@ -17,10 +17,13 @@ protected:
     }
     // A map of 400 × 300 points in the corner, drawn and at rest.
     void showMap(const std::string& style = "") {
-        browser.run("window.map = makeMap(); map.style.cssText = 'display: block; width: 400px; height: 300px;" + style +
-                    "'; stage.append(map); return ''");
+        browser.run("window.map = makeMap(); map.style.cssText = 'display: block; width: 400px; height: 300px;" +
+                    style + "'; stage.append(map); return ''");
         browser.waitUntilIdle();
     }
+
+    // The processor time of the page's process so far.
+    double webProcessSeconds() { return static_cast<double>(browser.statistic("processor-microseconds")) / 1e6; }
 
     Browser& browser = Browser::shared();
 };
@@ -64,6 +67,41 @@ TEST_F(Frames, NothingIsRequestedOrDrawnWhileNothingChanges) {
     Browser::wait(1);
     EXPECT_EQ(browser.statistic("animation-frames-requested"), requested);
     EXPECT_EQ(browser.statistic("frames-drawn"), drawn);
+}
+
+TEST_F(Frames, AnIdleMapCostsLessThanOneHundredthOfAProcessor) {
+    showMap();
+    Browser::wait(1);
+    const double before = webProcessSeconds();
+    Browser::wait(4);
+    EXPECT_LT(webProcessSeconds() - before, 0.04);
+}
+
+TEST_F(Frames, AMapInMotionShowsItsFrames) {
+    showMap();
+    browser.run("map.region = { latitude: 48, longitude: 16, latitudeDelta: 4, longitudeDelta: 4 }; return ''");
+    browser.waitUntilIdle();
+    const uint64_t before = browser.statistic("frames-put");
+    browser.run("map.setRegion({ latitude: 48, longitude: 17, latitudeDelta: 4, longitudeDelta: 4 }, true); return ''");
+    Browser::wait(0.2);
+    browser.waitUntilIdle();
+    EXPECT_GT(browser.statistic("frames-put"), before + 5);
+}
+
+TEST_F(Frames, APageFromAFileHasItsPicture) {
+    browser.load("file://" VEYRA_SOURCE_FOLDER "/Tests/Pages/map.html");
+    browser.run("document.body.style.cssText = 'margin: 0; background: rgb(255, 0, 255)'; return ''");
+    showMap();
+    EXPECT_NE(browser.pixelAt(200, 150), pageColour);
+}
+
+TEST_F(Frames, TheDeviceScaleIsThatOfTheDisplay) {
+    const char* const scale = g_getenv("GDK_SCALE");
+    EXPECT_EQ(browser.run("return devicePixelRatio"), scale ? scale : "1");
+    showMap();
+    EXPECT_EQ(browser.run("return map.offsetWidth"), "400");
+    EXPECT_NE(browser.pixelAt(399, 299), pageColour);
+    EXPECT_EQ(browser.pixelAt(401, 299), pageColour);
 }
 
 TEST_F(Frames, AHiddenMapDrawsNothingUntilItIsShown) {

@@ -9,17 +9,19 @@ namespace {
 
 class Input : public testing::Test {
 protected:
-    // A map of 400 × 300 points in the corner of a page that scrolls, near Vienna, and a record of the events of the page.
+    // A map of 400 × 300 points in the corner of a page that scrolls, near Vienna, and a record of the events of the
+    // page.
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(browser.load("/pages/map.html"));
-        browser.run("document.body.style.cssText = 'margin: 0; height: 3000px';"
-                    "window.map = makeMap(); map.style.cssText = 'display: block; width: 400px; height: 300px';"
-                    "stage.append(map);"
-                    "map.region = { latitude: 48, longitude: 16, latitudeDelta: 4, longitudeDelta: 4 };"
-                    "window.seen = [];"
-                    "for (const type of ['touchstart', 'touchmove', 'wheel', 'keydown', 'pointerdown'])"
-                    "  map.addEventListener(type, (event) => seen.push(type + (event.defaultPrevented ? ' used' : '')));"
-                    "return ''");
+        browser.run(
+            "document.body.style.cssText = 'margin: 0; height: 3000px';"
+            "window.map = makeMap(); map.style.cssText = 'display: block; width: 400px; height: 300px';"
+            "stage.append(map);"
+            "map.region = { latitude: 48, longitude: 16, latitudeDelta: 4, longitudeDelta: 4 };"
+            "window.seen = [];"
+            "for (const type of ['touchstart', 'touchmove', 'wheel', 'keydown', 'pointerdown'])"
+            "  map.addEventListener(type, (event) => seen.push(type + (event.defaultPrevented ? ' used' : '')));"
+            "return ''");
         browser.waitUntilIdle();
     }
     double centre(const char* coordinate) {
@@ -56,7 +58,8 @@ TEST_F(Input, TouchDragsStayWithThePageWhenTheMapDoesNotScroll) {
     const double before = centre("latitude");
     dragByTouch(200, 250, 200, 50);
     EXPECT_NEAR(centre("latitude"), before, 1e-9);
-    EXPECT_EQ(seen().find("used"), std::string::npos);
+    EXPECT_GT(scrolled(), 0);
+    EXPECT_EQ(seen(), "touchstart,touchmove,wheel"); // the engine scrolls by wheel events of its own
 }
 
 TEST_F(Input, TwoFingersZoom) {
@@ -97,8 +100,9 @@ TEST_F(Input, AMouseDragGoesOnOutsideTheElement) {
 }
 
 TEST_F(Input, TheMouseOfAScaledElementIsMeasuredInItsOwnPoints) {
-    browser.run("map.style.transformOrigin = '0 0'; map.style.transform = 'scale(0.5) rotate(90deg) translate(0, -300px)';"
-                "await frame(); return ''");
+    browser.run(
+        "map.style.transformOrigin = '0 0'; map.style.transform = 'scale(0.5) rotate(90deg) translate(0, -300px)';"
+        "await frame(); return ''");
     // Rotated a quarter to the right and half as large: the element's x runs down the page.
     const double before = centre("longitude");
     browser.motion(75, 150, false);

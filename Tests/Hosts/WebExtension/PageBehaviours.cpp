@@ -70,10 +70,9 @@ void registerPageBehaviours() {
         const std::string source = text.str();
         for (std::sregex_iterator match(source.begin(), source.end(), pattern), end; match != end; ++match) {
             const std::string name = (*match)[1];
-            testing::RegisterTest(page.suite, testName(name).c_str(), nullptr, nullptr, __FILE__, __LINE__,
-                                  [address = page.address, name]() -> testing::Test* {
-                                      return new BehaviourTest(address, name);
-                                  });
+            testing::RegisterTest(
+                page.suite, testName(name).c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                [address = page.address, name]() -> testing::Test* { return new BehaviourTest(address, name); });
         }
     }
 }

@@ -94,18 +94,20 @@ TEST_F(PageLife, TwoHundredLeftPagesAreAllCollected) {
 
 TEST_F(PageLife, TwoHundredRemovedElementsLeaveNoView) {
     emptyCache();
-    ASSERT_EQ(browser.run("for (let i = 0; i < 200; ++i) { const map = addMap(); map.listener = { map }; map.remove(); }"
-                          "return document.querySelectorAll('object').length"),
-              "0");
+    ASSERT_EQ(
+        browser.run("for (let i = 0; i < 200; ++i) { const map = addMap(); map.listener = { map }; map.remove(); }"
+                    "return document.querySelectorAll('object').length"),
+        "0");
     EXPECT_TRUE(counts(0, 1));
 }
 
 TEST_F(PageLife, ElementsThatNoScriptTouchedAreFreedWithTheirPage) {
     emptyCache();
-    ASSERT_EQ(browser.run("document.getElementById('stage').innerHTML = `<object type='${mapType}'></object>`.repeat(5);"
-                          "await until(() => document.querySelectorAll('object > veyra-surface').length === 5, 'surfaces');"
-                          "return ''"),
-              "");
+    ASSERT_EQ(
+        browser.run("document.getElementById('stage').innerHTML = `<object type='${mapType}'></object>`.repeat(5);"
+                    "await until(() => document.querySelectorAll('object > veyra-surface').length === 5, 'surfaces');"
+                    "return ''"),
+        "");
     EXPECT_EQ(browser.statistic("views"), 5u);
     browser.load("/pages/map.html?next");
     EXPECT_TRUE(counts(0, 1));

@@ -238,7 +238,8 @@ TEST_F(MKMapViewGestures, OtherKeysAndKeysWithControlAreLeftAlone) {
 TEST_F(MKMapViewGestures, WithoutZoomNothingZooms) {
     map->setZoomEnabled(false);
     const double before = zoom();
-    EXPECT_FALSE(map->handleScroll({.location = {200, 150}, .deltaX = 0, .deltaY = -100, .pinches = false, .timestamp = now}));
+    EXPECT_FALSE(
+        map->handleScroll({.location = {200, 150}, .deltaX = 0, .deltaY = -100, .pinches = false, .timestamp = now}));
     EXPECT_FALSE(key("+"));
     EXPECT_FALSE(key("Home"));
     touch(1, UITouchPhase::Began, {100, 100});

@@ -81,8 +81,7 @@ TEST_F(MKMapViewRegion, SettingTheCenterKeepsTheScale) {
 
 TEST_F(MKMapViewRegion, ShowsWhatRegionThatFitsSays) {
     show();
-    const MKCoordinateRegion fit =
-        MKMapView::regionThatFitsMapTypeViewSizeRegion(MKMapTypeHybrid, {400, 300}, sydney);
+    const MKCoordinateRegion fit = MKMapView::regionThatFitsMapTypeViewSizeRegion(MKMapTypeHybrid, {400, 300}, sydney);
     map->setRegion(sydney);
     EXPECT_EQ(map->region().center.latitude, fit.center.latitude);
     EXPECT_EQ(map->region().center.longitude, fit.center.longitude);

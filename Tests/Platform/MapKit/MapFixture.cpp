@@ -111,7 +111,8 @@ void MapTest::settle() {
         frame();
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
         runQueue();
-        ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << "the map does not come to rest";
+        ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10))
+            << "the map does not come to rest";
     }
 }
 

@@ -1,4 +1,5 @@
-// A map in a host view in a window, with a delegate that writes down what it is told, and a clock of its own for frames.
+// A map in a host view in a window, with a delegate that writes down what it is told, and a clock of its own for
+// frames.
 #pragma once
 
 #include "Platform/MapKit/MKMapView.h"

@@ -132,7 +132,7 @@ TEST_F(UITapGestureRecognizerTest, AskedASingleTapComesWhenNoSecondFollows) {
     addAwaitedDouble();
     tap({100, 100}, 0);
     EXPECT_EQ(states, States{});
-    runMainQueueFor(0.2);
+    runMainQueueFor(0.1);
     EXPECT_EQ(states, States{});
     EXPECT_TRUE(runMainQueueUntil([this] { return !states.empty(); }));
     EXPECT_EQ(states, once);

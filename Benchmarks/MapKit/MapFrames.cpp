@@ -1,0 +1,98 @@
+// Milliseconds of the map's frames at 1024 x 768 points: the first complete picture, a frame of a pan, a frame of a
+// zoom. The argument is the display's scale.
+#include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/MKMapView.h"
+#include "Platform/MapKit/MKTileLoader.h"
+#include "Platform/UIKit/UIWindow.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using namespace veyra;
+
+struct Scene {
+    explicit Scene(double scale) : window(UIWindow::make()), map(UIView::make<MKMapView>({{0, 0}, {1, 1}})) {
+        map->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
+        window->setSize({1, 1}, scale);
+        window->addSubview(map);
+    }
+    void settle() {
+        while (!window->isIdle()) {
+            if (window->needsFrame()) {
+                window->drawFrame(now += 1.0 / 60);
+            } else {
+                g_main_context_iteration(nullptr, TRUE);
+            }
+        }
+    }
+    std::shared_ptr<UIWindow> window;
+    std::shared_ptr<MKMapView> map;
+    double now = 0;
+};
+
+const MKCoordinateRegion world{{20, 0}, {100, 360}};
+const MKCoordinateRegion europe{{46.5, 9}, {1, 90}};
+const MKCoordinateRegion alps{{46.5, 9}, {1, 5.6}};
+
+void firstFrame(benchmark::State& state, const MKCoordinateRegion& region) {
+    const double scale = static_cast<double>(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        MKTileLoader::shared().emptyCache();
+        state.ResumeTiming();
+        Scene scene(scale);
+        scene.map->setRegion(region);
+        scene.window->setSize({1024, 768}, scale);
+        scene.settle();
+    }
+}
+BENCHMARK_CAPTURE(firstFrame, world, world)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(firstFrame, europe, europe)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(firstFrame, alps, alps)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// A finger that moves to and fro by 8 points a frame over tiles that are held.
+void panFrame(benchmark::State& state) {
+    const double scale = static_cast<double>(state.range(0));
+    Scene scene(scale);
+    scene.map->setRegion(europe);
+    scene.window->setSize({1024, 768}, scale);
+    scene.settle();
+    CGPoint at{300, 300};
+    scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Began, at, scene.now});
+    int step = 0;
+    for (auto _ : state) {
+        at.x += (step++ / 8) % 2 == 0 ? 8 : -8;
+        scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Moved, at, scene.now});
+        benchmark::DoNotOptimize(scene.window->drawFrame(scene.now += 1.0 / 60));
+        g_main_context_iteration(nullptr, FALSE);
+    }
+}
+BENCHMARK(panFrame)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+// The wheel turned to and fro.
+void zoomFrame(benchmark::State& state) {
+    const double scale = static_cast<double>(state.range(0));
+    Scene scene(scale);
+    scene.map->setRegion(europe);
+    scene.window->setSize({1024, 768}, scale);
+    scene.settle();
+    int step = 0;
+    for (auto _ : state) {
+        const double delta = (step++ / 16) % 2 == 0 ? -20 : 20;
+        scene.window->sendEvent(UIScrollEvent{
+            .location = {500, 400}, .deltaX = 0, .deltaY = delta, .pinches = false, .timestamp = scene.now});
+        benchmark::DoNotOptimize(scene.window->drawFrame(scene.now += 1.0 / 60));
+        g_main_context_iteration(nullptr, FALSE);
+    }
+}
+BENCHMARK(zoomFrame)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    setMainQueue(new DispatchQueue(g_main_context_default(), "main"));
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

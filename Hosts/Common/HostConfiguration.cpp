@@ -4,6 +4,8 @@
 #include "Platform/Foundation/NSNotificationCenter.h"
 #include "Platform/WebKit/WebPlugInContainer.h"
 
+#include <glib.h>
+
 namespace veyra {
 
 namespace {

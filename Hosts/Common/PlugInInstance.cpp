@@ -26,6 +26,8 @@ std::shared_ptr<PlugInInstance> PlugInInstance::create(const PlugInElement& elem
     const auto arguments = plugInArguments(element);
     dispatch_get_main_queue().sync([&] {
         instance->_window = UIWindow::make();
+        // As large as a new view: from then on the view grows with its window.
+        instance->_window->setSize({1, 1}, element.screenScale);
         instance->_view = VeyraView::plugInViewWithArguments(arguments);
         instance->_view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
         instance->_window->addSubview(instance->_view);

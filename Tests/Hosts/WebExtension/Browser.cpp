@@ -159,8 +159,8 @@ Pixel Browser::pixelAt(int x, int y) {
     EXPECT_TRUE(waitUntil([&] { return picture != nullptr; }));
     // The snapshot has the pixels of the device.
     const int scale = cairo_image_surface_get_width(picture) / gtk_widget_get_allocated_width(GTK_WIDGET(_view));
-    const unsigned char* row = cairo_image_surface_get_data(picture) +
-                               ptrdiff_t{cairo_image_surface_get_stride(picture)} * y * scale;
+    const unsigned char* row =
+        cairo_image_surface_get_data(picture) + ptrdiff_t{cairo_image_surface_get_stride(picture)} * y * scale;
     uint32_t value = 0;
     std::memcpy(&value, row + ptrdiff_t{4} * x * scale, sizeof(value));
     cairo_surface_destroy(picture);

@@ -99,8 +99,11 @@ void installGeoMap(JSContextRef context, const char* caller) {
     const bool installed = JSClassCreateAndInsertObjectInContext("GeoMap", &classRef, &geoMap, context, &error);
     if (error)
         NSLog("%s Unable to create the GeoMap class: %@", {caller, error});
-    if (!installed)
+    if (!installed) {
+        if (classRef)
+            JSClassRelease(classRef); // the page has an object of that name, and the class goes unused
         return;
+    }
     static constexpr std::pair<const char*, int32_t> constants[] = {
         {"kVeyraTypeStandard", kVeyraTypeStandard},
         {"kVeyraTypeSatellite", kVeyraTypeSatellite},

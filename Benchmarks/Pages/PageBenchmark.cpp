@@ -85,6 +85,10 @@ void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name
     const auto gaps = screen.stop();
     const auto after = host.statistics();
     const double frames = static_cast<double>(after.at("frames-put") - before.at("frames-put"));
+    if (gaps.empty() || frames == 0) {
+        std::cerr << name << ": nothing reached the screen\n";
+        return;
+    }
     auto sorted = gaps;
     std::sort(sorted.begin(), sorted.end());
     double sum = 0;

@@ -102,16 +102,17 @@ std::string PageHost::run(const std::string& script) {
         bool done = false;
         std::string text;
     } answer;
+    const std::string body = "return JSON.stringify(await (async () => {" + script + "})()) ?? 'null'";
     webkit_web_view_call_async_javascript_function(
-        _view, script.c_str(), -1, nullptr, nullptr, nullptr, nullptr,
+        _view, body.c_str(), -1, nullptr, nullptr, nullptr, nullptr,
         [](GObject* view, GAsyncResult* result, gpointer data) {
             auto* to = static_cast<Answer*>(data);
             GError* error = nullptr;
             JSCValue* value =
                 webkit_web_view_call_async_javascript_function_finish(WEBKIT_WEB_VIEW(view), result, &error);
             if (value) {
-                char* json = jsc_value_to_json(value, 0);
-                to->text = json ? json : "";
+                char* json = jsc_value_to_string(value);
+                to->text = json;
                 g_free(json);
                 g_object_unref(value);
             } else {

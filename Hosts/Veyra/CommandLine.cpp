@@ -23,8 +23,8 @@ std::optional<int> readSide(std::string_view text) {
 void readSize(const std::string& text, CommandLine& line) {
     const size_t separator = text.find('x');
     const auto width = readSide(std::string_view(text).substr(0, separator));
-    const auto height = separator == std::string::npos ? std::nullopt
-                                                       : readSide(std::string_view(text).substr(separator + 1));
+    const auto height =
+        separator == std::string::npos ? std::nullopt : readSide(std::string_view(text).substr(separator + 1));
     if (!width || !height)
         throw CLI::ValidationError("--size", text + " is no size such as 1024x768, with sides of 1 to 16384");
     line.width = *width;
@@ -32,16 +32,16 @@ void readSize(const std::string& text, CommandLine& line) {
 }
 
 void addSizeAndScale(CLI::App& command, CommandLine& line) {
-    command.add_option_function<std::string>("--size", [&line](const std::string& text) { readSize(text, line); },
-                                             "width and height in CSS pixels (1024x768)")
+    command
+        .add_option_function<std::string>(
+            "--size", [&line](const std::string& text) { readSize(text, line); },
+            "width and height in CSS pixels (1024x768)")
         ->type_name("WxH");
     command.add_option("--scale", line.scale, "device pixels a CSS pixel (1)")->type_name("S");
 }
 
 void addTimeout(CLI::App& command, CommandLine& line, const char* description) {
-    command.add_option("--timeout", line.timeout, description)
-        ->type_name("SECONDS")
-        ->check(CLI::Range(1e-3, 1e6));
+    command.add_option("--timeout", line.timeout, description)->type_name("SECONDS")->check(CLI::Range(1e-3, 1e6));
 }
 
 void addPage(CLI::App& command, CommandLine& line) {

@@ -13,18 +13,18 @@ struct CommandLine {
     enum class Command { Open, Snapshot, Script };
 
     Command command = Command::Open;
-    bool verbose = false;    ///< log what the map quietly ignores
-    bool automation = false; ///< `open` waits for WebKitWebDriver instead of opening a page
-    std::string input;       ///< page (address or file), or script file
-    std::string output;      ///< picture file; empty: none
+    bool verbose = false;           ///< log what the map quietly ignores
+    bool automation = false;        ///< `open` waits for WebKitWebDriver instead of opening a page
+    std::string input;              ///< page (address or file), or script file
+    std::string output;             ///< picture file; empty: none
     int width = 1024, height = 768; ///< in points, 1 to 16384
     double scale = 1;               ///< device pixels a point; a whole number for `snapshot`
     std::optional<std::string> titlePrefix;
     std::optional<double> timeout; ///< seconds, above 0; none: no limit
 };
 
-/// The command line, or how the program ends at once: after help or version, and after a message on standard error about
-/// a bad argument.
+/// The command line, or how the program ends at once: after help or version, and after a message on standard error
+/// about a bad argument.
 std::variant<CommandLine, ExitStatus> readCommandLine(int argc, char** argv);
 
 } // namespace veyra

@@ -14,7 +14,18 @@ struct Message {
 };
 
 bool isLevel(std::string_view word) {
-    constexpr std::array<std::string_view, 7> levels{"LOG", "INFO", "WARN", "ERROR", "DEBUG", "TRACE", "TABLE"};
+    constexpr std::array<std::string_view, 12> levels{"LOG",
+                                                      "INFO",
+                                                      "WARN",
+                                                      "ERROR",
+                                                      "DEBUG",
+                                                      "TRACE",
+                                                      "TABLE",
+                                                      "DIR",
+                                                      "DIRXML",
+                                                      "STARTGROUP",
+                                                      "STARTGROUPCOLLAPSED",
+                                                      "ENDGROUP"}; // the engine's names
     return std::find(levels.begin(), levels.end(), word) != levels.end();
 }
 

@@ -1,6 +1,6 @@
-// Brings the console messages of pages to standard output. The web engine logs them to the standard error that its processes
-// inherit, each in a write of its own; so that descriptor leads back to us while this object lives, and everything on it that
-// is no console message is passed on to what standard error was. Main thread.
+// Brings the console messages of pages to standard output. The web engine logs them to the standard error that its
+// processes inherit, each in a write of its own; so that descriptor leads back to us while this object lives, and
+// everything on it that is no console message is passed on to what standard error was. Main thread.
 #pragma once
 
 #include <glib.h>

@@ -1,5 +1,5 @@
-// The beat of a bare script's frames: 60 a second from its start, the same for the window and for the script's callbacks. Any
-// thread.
+// The beat of a bare script's frames: 60 a second from its start, the same for the window and for the script's
+// callbacks. Any thread.
 #pragma once
 
 #include <cmath>

@@ -15,6 +15,18 @@ gboolean quit(gpointer) {
     return G_SOURCE_CONTINUE;
 }
 
+void windowDestroyed() {
+    if (gtk_main_level() > 0) // or it is one of those that go at the end
+        gtk_main_quit();
+}
+
+void destroyWindows() {
+    GList* windows = gtk_window_list_toplevels();
+    for (GList* entry = windows; entry; entry = entry->next)
+        gtk_widget_destroy(GTK_WIDGET(entry->data));
+    g_list_free(windows);
+}
+
 void titleChanged(WebKitWebView* view, GParamSpec*, GtkWindow* window) {
     const char* title = webkit_web_view_get_title(view);
     gtk_window_set_title(window, title && *title ? title : "veyra");
@@ -42,7 +54,7 @@ void showInWindow(WebKitWebView* view, int width, int height) {
     g_signal_connect(view, "load-failed", G_CALLBACK(loadFailed), nullptr);
     g_signal_connect(view, "web-process-terminated", G_CALLBACK(webProcessEnded), nullptr);
     g_signal_connect_swapped(view, "close", G_CALLBACK(gtk_widget_destroy), window);
-    g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
+    g_signal_connect(window, "destroy", G_CALLBACK(windowDestroyed), nullptr);
     gtk_widget_grab_focus(GTK_WIDGET(view));
     gtk_widget_show_all(window);
 }
@@ -91,6 +103,7 @@ Outcome runOpen(const CommandLine& line) {
     g_unix_signal_add(SIGINT, quit, nullptr);
     g_unix_signal_add(SIGTERM, quit, nullptr);
     gtk_main();
+    destroyWindows();
     return {};
 }
 

@@ -50,9 +50,8 @@ void PageSnapshot::connectSignals() {
     const auto connect = [this](const char* signal, GCallback handler) {
         g_signal_connect(_view, signal, handler, this);
     };
-    connect("load-changed", G_CALLBACK((+[](WebKitWebView*, WebKitLoadEvent event, Self* self) {
-                self->loadChanged(event);
-            })));
+    connect("load-changed",
+            G_CALLBACK((+[](WebKitWebView*, WebKitLoadEvent event, Self* self) { self->loadChanged(event); })));
     connect("load-failed",
             G_CALLBACK((+[](WebKitWebView*, WebKitLoadEvent, const char* address, GError* error, Self* self) {
                 const std::string problem = loadProblem(address, error);
@@ -161,8 +160,7 @@ void PageSnapshot::takePicture() {
         _view, WEBKIT_SNAPSHOT_REGION_VISIBLE, WEBKIT_SNAPSHOT_OPTIONS_NONE, _cancellable,
         [](GObject* view, GAsyncResult* result, gpointer data) {
             GError* error = nullptr;
-            cairo_surface_t* picture =
-                webkit_web_view_get_snapshot_finish(WEBKIT_WEB_VIEW(view), result, &error);
+            cairo_surface_t* picture = webkit_web_view_get_snapshot_finish(WEBKIT_WEB_VIEW(view), result, &error);
             if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
                 g_error_free(error);
                 return; // the object may be gone

@@ -1,5 +1,5 @@
-// One page on its way to a picture: loads it out of sight, waits until it is ready, takes and writes the picture. What the
-// page's console says goes to standard output meanwhile. Main thread; lives until `run` returns.
+// One page on its way to a picture: loads it out of sight, waits until it is ready, takes and writes the picture. What
+// the page's console says goes to standard output meanwhile. Main thread; lives until `run` returns.
 #pragma once
 
 #include "Hosts/Veyra/CommandLine.h"

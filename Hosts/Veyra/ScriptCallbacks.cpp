@@ -37,8 +37,7 @@ void ScriptCallbacks::installGlobals() {
     add("setInterval", [this](Arguments a, JSValueRef* exception) { return addTimer(a, true, exception); });
     add("clearTimeout", [this](Arguments a, JSValueRef*) { return removeTimer(a); });
     add("clearInterval", [this](Arguments a, JSValueRef*) { return removeTimer(a); });
-    add("requestAnimationFrame",
-        [this](Arguments a, JSValueRef* exception) { return addFrameCallback(a, exception); });
+    add("requestAnimationFrame", [this](Arguments a, JSValueRef* exception) { return addFrameCallback(a, exception); });
     add("cancelAnimationFrame", [this](Arguments a, JSValueRef*) { return removeFrameCallback(a); });
 }
 

@@ -1,5 +1,6 @@
-// The functions that a bare script handed over to be called later: timers, and callbacks before the next frame. They are
-// protected until they have been called or taken back. Script thread; the script host owns it, and its context outlives it.
+// The functions that a bare script handed over to be called later: timers, and callbacks before the next frame. They
+// are protected until they have been called or taken back. Script thread; the script host owns it, and its context
+// outlives it.
 #pragma once
 
 #include "Platform/Foundation/DispatchQueue.h"

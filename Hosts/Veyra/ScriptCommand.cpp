@@ -74,8 +74,7 @@ Outcome runScript(const CommandLine& line) {
     configureCreatedViews({.verboseDebugLogging = line.verbose, .viewDelegate = nullptr});
     GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
     if (line.timeout)
-        g_timeout_add(static_cast<guint>(std::ceil(*line.timeout * 1000)), endProcess,
-                      const_cast<CommandLine*>(&line));
+        g_timeout_add(static_cast<guint>(std::ceil(*line.timeout * 1000)), endProcess, const_cast<CommandLine*>(&line));
     ScriptThread thread;
     std::unique_ptr<ScriptPage> page; // used on the web thread
     const auto scriptEnded = [&](const Outcome& ended) {

@@ -1,5 +1,5 @@
-// The `console` of a bare script: `log`, `info` and `debug` print a line to standard output, `warn` and `error` one to standard
-// error. Arguments are converted as `String(value)` does and joined by spaces. Script thread.
+// The `console` of a bare script: `log`, `info` and `debug` print a line to standard output, `warn` and `error` one to
+// standard error. Arguments are converted as `String(value)` does and joined by spaces. Script thread.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>

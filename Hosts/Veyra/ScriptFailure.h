@@ -7,8 +7,8 @@
 
 namespace veyra {
 
-/// "FILE:LINE:COLUMN: uncaught exception: TEXT". Only errors know where they were made: for another value that was thrown,
-/// the place is `file` alone.
+/// "FILE:LINE:COLUMN: uncaught exception: TEXT". Only errors know where they were made: for another value that was
+/// thrown, the place is `file` alone.
 std::string describeUncaught(JSContextRef context, JSValueRef exception, const std::string& file);
 
 } // namespace veyra

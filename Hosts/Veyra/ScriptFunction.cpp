@@ -49,7 +49,8 @@ JSObjectRef globalConstructor(JSContextRef context, const char* name) {
 JSObjectRef makeScriptFunction(JSContextRef context, ScriptFunction body) {
     JSObjectRef function = JSObjectMake(context, functionClass(), new ScriptFunction(std::move(body)));
     // For `call`, `apply` and `bind`.
-    JSObjectSetPrototype(context, function, scriptProperty(context, globalConstructor(context, "Function"), "prototype"));
+    JSObjectSetPrototype(context, function,
+                         scriptProperty(context, globalConstructor(context, "Function"), "prototype"));
     return function;
 }
 

@@ -139,8 +139,8 @@ void ScriptPage::end(const Outcome& outcome) {
     _ended(outcome);
 }
 
-// Asks the main queue and comes back. When nothing was queued on either queue meanwhile, all that was queued before has run
-// and has asked for nothing more. A map that is busy asks again when it is idle.
+// Asks the main queue and comes back. When nothing was queued on either queue meanwhile, all that was queued before has
+// run and has asked for nothing more. A map that is busy asks again when it is idle.
 void ScriptPage::endWhenNothingIsLeft() {
     if (_hasEnded || _isAsking || !mayEnd())
         return;

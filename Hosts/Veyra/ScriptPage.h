@@ -1,6 +1,7 @@
-// A script's world: a bare context of the script engine with the globals `map`, `GeoMap`, `console`, `close` and those for
-// timers and animation frames. It ends when the script calls `close()`, when an exception is not caught, or when nothing is
-// left to do: no timer and no frame callback waits, the map is idle, and nothing is on its way between the two queues.
+// A script's world: a bare context of the script engine with the globals `map`, `GeoMap`, `console`, `close` and those
+// for timers and animation frames. It ends when the script calls `close()`, when an exception is not caught, or when
+// nothing is left to do: no timer and no frame callback waits, the map is idle, and nothing is on its way between the
+// two queues.
 //
 // Web thread, but for `window`, which belongs to the main queue. The script command owns it.
 #pragma once

@@ -1,5 +1,5 @@
-// Draws the window of a bare script's map, without any display: a frame on each beat of the frame clock while the window asks
-// for frames. Main queue only, but for making it; the script host owns it.
+// Draws the window of a bare script's map, without any display: a frame on each beat of the frame clock while the
+// window asks for frames. Main queue only, but for making it; the script host owns it.
 #pragma once
 
 #include "Platform/Foundation/DispatchQueue.h"

@@ -1,4 +1,5 @@
-// A display for machines that have none: an Xvfb of our own, which ends with the program. Main thread, before GTK starts.
+// A display for machines that have none: an Xvfb of our own, which ends with the program. Main thread, before GTK
+// starts.
 #pragma once
 
 #include "Hosts/Veyra/ExitStatus.h"
@@ -24,8 +25,8 @@ private:
     const std::string _keyFile;
 };
 
-/// Starts GTK on the display that there is, or on a virtual one that `display` then holds. A failed outcome says what is
-/// missing. `needsX11`: a Wayland display alone is none.
+/// Starts GTK on the display that there is, or on a virtual one that `display` then holds. A failed outcome says what
+/// is missing. `needsX11`: a Wayland display alone is none.
 Outcome startGtk(bool needsX11, std::unique_ptr<VirtualDisplay>& display);
 
 } // namespace veyra

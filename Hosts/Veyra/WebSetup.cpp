@@ -72,8 +72,14 @@ std::unique_ptr<WebContext> WebContext::make(Outcome& problem) {
 
 WebContext::~WebContext() {
     g_object_unref(_context);
-    std::error_code ignored; // what the engine's processes still write as they end
-    std::filesystem::remove_all(_storage, ignored);
+    // The engine's processes end a moment later, and may write until then.
+    for (int tries = 0; tries < 20; ++tries) {
+        std::error_code ignored;
+        std::filesystem::remove_all(_storage, ignored);
+        g_usleep(10000);
+        if (!std::filesystem::exists(_storage, ignored))
+            return;
+    }
 }
 
 WebKitWebView* makeWebView(WebKitWebContext* context, bool isAutomated) {

@@ -1,5 +1,5 @@
-// What `open` and `snapshot` share: web contexts with the plug-in, views on the fastest way to the screen, addresses of pages.
-// Main thread.
+// What `open` and `snapshot` share: web contexts with the plug-in, views on the fastest way to the screen, addresses of
+// pages. Main thread.
 #pragma once
 
 #include "Hosts/Veyra/ExitStatus.h"
@@ -10,11 +10,12 @@
 
 namespace veyra {
 
-/// The folder with the loadable module: beside the program in the build tree or where it was installed; "" when there is none.
+/// The folder with the loadable module: beside the program in the build tree or where it was installed; "" when there
+/// is none.
 std::string extensionFolder();
 
-/// A web context that loads the plug-in into its pages. What pages store is kept in a folder of its own and goes away with it:
-/// of a context that stores nothing at all, the engine logs no console messages.
+/// A web context that loads the plug-in into its pages. What pages store is kept in a folder of its own and goes away
+/// with it: of a context that stores nothing at all, the engine logs no console messages.
 class WebContext {
 public:
     /// Null, and a problem, without the module or a place for the folder.
@@ -31,7 +32,8 @@ private:
     const std::string _storage;
 };
 
-/// A new view of the context (floating). It logs its console messages (see ConsoleOutput). `isAutomated`: driven by WebKitWebDriver.
+/// A new view of the context (floating). It logs its console messages (see ConsoleOutput). `isAutomated`: driven by
+/// WebKitWebDriver.
 WebKitWebView* makeWebView(WebKitWebContext* context, bool isAutomated = false);
 
 /// The address that an argument means: an existing file's, else the argument itself when it is an address, else the

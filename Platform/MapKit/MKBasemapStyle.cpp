@@ -17,7 +17,7 @@ constexpr MKBasemapStyle standard{.sea = 0xa9cfe6,
 // The colours of the planet from above, plain.
 constexpr MKBasemapStyle satellite{.sea = 0x1c3a59,
                                    .land = 0x66704f,
-                                   .lake = 0x274a6b,
+                                   .lake = 0x1c3a59,
                                    .coast = 0x3c5568,
                                    .lakeShore = 0x3c5568,
                                    .border = 0x7b8363,

@@ -55,8 +55,8 @@ private:
     std::vector<Generation> generations() const {
         std::vector<Generation> found;
         for (const auto& [key, tile] : _layer._held) {
-            const auto sameKind = [&key = key](const Generation& generation) {
-                return areOneGeneration(key, generation.key);
+            const auto sameKind = [&held = key](const Generation& generation) {
+                return areOneGeneration(held, generation.key);
             };
             if (std::none_of(found.begin(), found.end(), sameKind)) {
                 found.push_back({key, distanceTo(key)});

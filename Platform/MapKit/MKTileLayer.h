@@ -44,8 +44,6 @@ public:
 
     /// True while the scene lacks tiles that may still come.
     bool isWaiting() const { return _missing > 0; }
-    /// True when a tile that the scene needs has failed.
-    bool hasFailed() const { return _failedInScene; }
     /// Lets failed tiles be asked for again with the next scene.
     void forgetFailures();
 

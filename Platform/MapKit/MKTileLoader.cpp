@@ -3,6 +3,7 @@
 #include "Platform/Foundation/DispatchQueue.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace veyra {
 
@@ -48,7 +49,10 @@ void MKTileLoader::submitJobs() {
             ranked.push_back({tile.rank, {tile.key, wishes.source}});
         }
     }
-    std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.first, a.second.key.row, a.second.key.column) <
+               std::tie(b.first, b.second.key.row, b.second.key.column);
+    });
     std::vector<MKTileJob> jobs;
     for (auto& [rank, job] : ranked) {
         if (seen.insert(job.key).second) {

@@ -1,5 +1,5 @@
-// An ordinary WebKitGTK application, which has never heard of the plug-in but for the folder that it is told to load modules
-// from. It shows a page, and writes its picture once the page's title is "shown":
+// An ordinary WebKitGTK application, which has never heard of the plug-in but for the folder that it is told to load
+// modules from. It shows a page, and writes its picture once the page's title is "shown":
 //
 //     foreign-application FOLDER ADDRESS F.png
 #include <gtk/gtk.h>

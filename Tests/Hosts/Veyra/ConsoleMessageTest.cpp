@@ -25,6 +25,12 @@ TEST(ConsoleMessage, MayHaveNoText) {
     EXPECT_EQ(consoleMessage("p:1:1: CONSOLE LOG "), "CONSOLE LOG");
 }
 
+TEST(ConsoleMessage, HasOtherWordsForSpecialMessages) {
+    EXPECT_EQ(consoleMessage("p:1:1: CONSOLE TABLE 1,2"), "CONSOLE TABLE 1,2");
+    EXPECT_EQ(consoleMessage("p:1:1: CONSOLE DIR [object Object]"), "CONSOLE DIR [object Object]");
+    EXPECT_EQ(consoleMessage("p:1:1: CONSOLE STARTGROUP g"), "CONSOLE STARTGROUP g");
+}
+
 TEST(ConsoleMessage, IsNothingElse) {
     EXPECT_EQ(consoleMessage("** Message: 10:00: log: CONSOLE"), std::nullopt);
     EXPECT_EQ(consoleMessage("** Message: CONSOLE LOG x"), std::nullopt);

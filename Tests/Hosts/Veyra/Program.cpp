@@ -91,7 +91,7 @@ unsigned Picture::at(int x, int y) const {
 }
 
 bool Picture::isWater(int x, int y) const {
-    return at(x, y) == 0xa8cfe6;
+    return at(x, y) == 0xa9cfe6;
 }
 
 bool Picture::isLand(int x, int y) const {

@@ -14,8 +14,10 @@ struct Finished {
     std::string output, errors;
 };
 
-/// Runs a program in the folder of the test data, with no display, and waits for its end. Variables are set, or unset by "".
-Finished runProgram(const std::vector<std::string>& arguments, const std::map<std::string, std::string>& environment = {});
+/// Runs a program in the folder of the test data, with no display, and waits for its end. Variables are set, or unset
+/// by "".
+Finished runProgram(const std::vector<std::string>& arguments,
+                    const std::map<std::string, std::string>& environment = {});
 
 /// Runs `veyra` so.
 Finished runVeyra(std::vector<std::string> arguments, const std::map<std::string, std::string>& environment = {});

@@ -138,7 +138,8 @@ TEST_F(Script, AnUncaughtExceptionPrintsFileAndLineAndEndsItWithStatus1) {
          ":2:18: uncaught exception: Error: in a timer\n"},
         {"requestAnimationFrame(() => {\n\n throw new RangeError('in a frame'); });",
          ":3:22: uncaught exception: RangeError: in a frame\n"},
-        {"(async () => {\n  throw new Error('in a promise');\n})();", ":2:18: uncaught exception: Error: in a promise\n"},
+        {"(async () => {\n  throw new Error('in a promise');\n})();",
+         ":2:18: uncaught exception: Error: in a promise\n"},
         {"let x = ;", ":1: uncaught exception: SyntaxError: Unexpected token ';'\n"},
         {"throw 'a mere text';", ": uncaught exception: a mere text\n"},
     };
@@ -175,7 +176,8 @@ TEST_F(Script, ScriptThatCannotBeReadEndsItWithStatus3) {
 
 TEST_F(Script, WritesThePictureOfTheFinishedMap) {
     const std::string picture = folder.file("map.png");
-    const char* coast = "map.setRegion({ latitude: -25, longitude: -70.5, latitudeDelta: 2, longitudeDelta: 2 }, true);";
+    const char* coast =
+        "map.setRegion({ latitude: -25, longitude: -70.5, latitudeDelta: 2, longitudeDelta: 2 }, true);";
     EXPECT_EQ(run(coast, {"--output", picture, "--size", "200x150", "--scale", "1.5"}).status, 0);
     const Picture map(picture);
     EXPECT_EQ(map.width(), 300);

@@ -139,8 +139,8 @@ TEST_F(Snapshot, EndsWithStatus3ForWhatCannotBeLoaded) {
     const Server server(404);
     const std::string here = "file://" VEYRA_DATA "/";
     const std::pair<std::string, std::string> cases[] = {
-        {"missing.html", "cannot load " + here + "missing.html: Error opening file " VEYRA_DATA
-                         "/missing.html: No such file or directory"},
+        {"missing.html", "cannot load " + here +
+                             "missing.html: Error opening file " VEYRA_DATA "/missing.html: No such file or directory"},
         {server.address(), "cannot load " + server.address() + ": HTTP status 404"},
         {"http://127.0.0.1:8/", "cannot load http://127.0.0.1:8/: Could not connect to 127.0.0.1: Connection refused"},
         {"http://127.0.0.1:9/", "cannot load http://127.0.0.1:9/: the web engine refuses the address"},

@@ -11,6 +11,9 @@ std::unordered_map<JSObjectRef, MapElement*>& wrappers() {
     return *table;
 }
 
+// The map of the last look-up: calls come in runs on one map. Null when that wrapper has been forgotten.
+MapElement* lastFound = nullptr;
+
 using HandleData = std::weak_ptr<MapElement>;
 
 // The collector calls this: it touches nothing of the engine.
@@ -66,8 +69,12 @@ std::shared_ptr<MapElement> MapElement::fromHandle(JSContextRef context, JSValue
 }
 
 MapElement* MapElement::behindWrapper(JSObjectRef wrapper) {
+    if (lastFound && lastFound->_wrapper == wrapper)
+        return lastFound;
     const auto found = wrappers().find(wrapper);
-    return found == wrappers().end() ? nullptr : found->second;
+    if (found == wrappers().end())
+        return nullptr;
+    return lastFound = found->second;
 }
 
 void MapElement::setWrapper(JSObjectRef wrapper) {
@@ -91,6 +98,8 @@ void MapElement::pageShown() {
 }
 
 void MapElement::forgetWrapper() {
+    if (lastFound == this)
+        lastFound = nullptr;
     if (_wrapper)
         wrappers().erase(_wrapper);
     _wrapper = nullptr;

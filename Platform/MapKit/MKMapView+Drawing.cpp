@@ -14,6 +14,9 @@ namespace {
 constexpr const char* errorDomain = "MKErrorDomain";
 constexpr int errorUnknown = 1;
 
+// Two changes of the scale within this time are one movement, which ends when the scale has rested for as long. Seconds.
+constexpr double scaleRest = 0.15;
+
 } // namespace
 
 void MKMapView::drawRect(const UIGraphicsContext& context) {
@@ -27,14 +30,31 @@ void MKMapView::drawRect(const UIGraphicsContext& context) {
                       .viewSize = _viewSize,
                       .deviceScale = context.scale,
                       .mapType = _mapType,
-                      .scaleIsChanging = pinching || (_motion && _motion->changesScale()),
+                      .scaleIsChanging = followScale() || pinching || (_motion && _motion->changesScale()),
                       .destination = animation ? std::optional(animation->target()) : std::nullopt});
     _tiles->draw(context);
     reportLoading();
 }
 
+bool MKMapView::followScale() {
+    if (_camera.scale != _drawnScale) {
+        const double now = static_cast<double>(g_get_monotonic_time()) / 1e6;
+        _scaleKeepsChanging |= _scaleChangeTime >= 0 && now - _scaleChangeTime < scaleRest;
+        // The first scale of all is no change.
+        _scaleChangeTime = _drawnScale > 0 ? now : -1;
+        _drawnScale = _camera.scale;
+        if (_scaleKeepsChanging) {
+            _scaleTimer->start(dispatch_get_main_queue(), scaleRest, [this] {
+                _scaleKeepsChanging = false;
+                setNeedsDisplay();
+            });
+        }
+    }
+    return _scaleKeepsChanging;
+}
+
 bool MKMapView::isIdle() const {
-    return !_changing && _loading == Loading::Nothing && _queuedReports == 0 && !_tiles->isWaiting();
+    return !_changing && !_scaleKeepsChanging && _loading == Loading::Nothing && _queuedReports == 0 && !_tiles->isWaiting();
 }
 
 void MKMapView::tilesArrivedIn(const CGRect& area) {
@@ -65,7 +85,7 @@ void MKMapView::reportLoading() {
             _loading = Loading::Tiles;
             queueReport([](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewWillStartLoadingMap(map); });
         }
-    } else if (!_changing && _loading != Loading::Nothing) {
+    } else if (!_changing && !_scaleKeepsChanging && _loading != Loading::Nothing) {
         if (_loading == Loading::Tiles) {
             queueReport([](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewDidFinishLoadingMap(map); });
         }

@@ -17,7 +17,7 @@ Class MKMapView::classObject() {
 
 MKMapView::MKMapView()
     : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
-      _motionTimer(std::make_unique<DispatchTimer>()) {}
+      _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()) {}
 
 MKMapView::~MKMapView() = default;
 

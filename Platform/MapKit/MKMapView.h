@@ -114,6 +114,8 @@ private:
     void tilesArrivedIn(const CGRect& area);
     void tileFailed(const std::string& reason);
     void reportLoading();
+    /// Notes the scale that is about to be drawn; true while it keeps changing from frame to frame.
+    bool followScale();
     void queueReport(std::function<void(MKMapView&, MKMapViewDelegate&)> report);
 
     std::weak_ptr<MKMapViewDelegate> _delegate;
@@ -134,6 +136,12 @@ private:
     unsigned _changeSerial = 0;
     std::unique_ptr<MKMotion> _motion;
     std::unique_ptr<DispatchTimer> _motionTimer;
+
+    // Scales that are set one after the other, as a script does frame by frame, count as a movement.
+    double _drawnScale = 0;
+    double _scaleChangeTime = -1; // seconds, monotonic; of the last change
+    bool _scaleKeepsChanging = false;
+    std::unique_ptr<DispatchTimer> _scaleTimer; // runs while the scale keeps changing
 
     std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
     std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;

@@ -1,13 +1,17 @@
 #include "Platform/MapKit/MKTileWorkers.h"
 
 #include <algorithm>
+#include <pthread.h>
 #include <thread>
 
 namespace veyra {
 
 MKTileWorkers::MKTileWorkers(unsigned count, Completion completion) : _completion(std::move(completion)) {
     for (unsigned i = 0; i < count; ++i) {
-        std::thread([this] { run(); }).detach();
+        std::thread([this] {
+            pthread_setname_np(pthread_self(), "veyra-tiles");
+            run();
+        }).detach();
     }
 }
 

@@ -3,7 +3,8 @@
 namespace veyra {
 
 namespace {
-thread_local ScriptCall* currentCall = nullptr;
+// Calls run on the web thread only: one chain is enough, and a thread-local one costs a look-up in a loadable module.
+ScriptCall* currentCall = nullptr;
 }
 
 ScriptCall::ScriptCall(ScriptContext& context)

@@ -17,7 +17,7 @@ public:
     ScriptCall(const ScriptCall&) = delete;
     ScriptCall& operator=(const ScriptCall&) = delete;
 
-    /// The innermost call that is running on this thread, or null.
+    /// The innermost call that is running, or null.
     static ScriptCall* current();
     void setPendingException(NSString message) { _pending = std::move(message); }
 

@@ -18,6 +18,9 @@ Registry& registry() {
     return *contexts;
 }
 
+// The context of the last look-up: calls come in runs from one page. Null when that has died.
+ScriptContext* lastFound = nullptr;
+
 JSObjectRef objectProperty(JSContextRef context, JSObjectRef object, const char* name) {
     JSStringRef key = JSStringCreateWithUTF8CString(name);
     JSValueRef value = JSObjectGetProperty(context, object, key, nullptr);
@@ -47,8 +50,14 @@ std::shared_ptr<ScriptContext> ScriptContext::of(JSGlobalContextRef globalContex
 }
 
 std::shared_ptr<ScriptContext> ScriptContext::existing(JSContextRef context) {
-    const auto found = registry().find(JSContextGetGlobalContext(context));
-    return found == registry().end() ? nullptr : found->second;
+    JSGlobalContextRef global = JSContextGetGlobalContext(context);
+    if (lastFound && lastFound->_context == global)
+        return lastFound->shared_from_this();
+    const auto found = registry().find(global);
+    if (found == registry().end())
+        return nullptr;
+    lastFound = found->second.get();
+    return found->second;
 }
 
 size_t ScriptContext::liveContexts() {
@@ -108,6 +117,8 @@ void ScriptContext::invalidate() {
         return;
     const auto self = shared_from_this();
     _alive = false;
+    if (lastFound == this)
+        lastFound = nullptr;
     const auto found = registry().find(_context);
     if (found != registry().end() && found->second.get() == this)
         registry().erase(found);

@@ -66,8 +66,9 @@ bool ScriptPage::makeMap() {
     return true;
 }
 
-std::shared_ptr<NSObject> ScriptPage::resolve(JSContextRef, JSObjectRef object) {
-    return runningPage && runningPage->_map && object == runningPage->_mapObject ? runningPage->_map->view() : nullptr;
+NSObject* ScriptPage::resolve(JSContextRef, JSObjectRef object) {
+    const bool isMap = runningPage && runningPage->_map && object == runningPage->_mapObject;
+    return isMap ? runningPage->_map->view().get() : nullptr;
 }
 
 void ScriptPage::installGlobals() {

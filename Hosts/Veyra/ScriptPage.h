@@ -29,7 +29,7 @@ public:
     const std::shared_ptr<ScriptWindow>& window() const { return _window; }
 
 private:
-    static std::shared_ptr<NSObject> resolve(JSContextRef, JSObjectRef object);
+    static NSObject* resolve(JSContextRef, JSObjectRef object);
     bool makeMap();
     void installGlobals();
     void reportRejections();

@@ -17,7 +17,7 @@ public:
     /// Stops and frees the view. Further calls do nothing.
     void stop();
 
-    std::shared_ptr<VeyraView> view() const { return _instance->view(); }
+    const std::shared_ptr<VeyraView>& view() const { return _instance->view(); }
     FramePresenter& presenter() { return *_presenter; }
     /// Main queue only.
     const std::shared_ptr<UIWindow>& window() const { return _instance->window(); }

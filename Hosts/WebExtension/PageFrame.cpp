@@ -107,12 +107,12 @@ std::shared_ptr<PageFrame> PageFrame::ofContext(JSContextRef context) {
     return nullptr;
 }
 
-std::shared_ptr<NSObject> PageFrame::resolve(JSContextRef context, JSObjectRef thisObject) {
+NSObject* PageFrame::resolve(JSContextRef context, JSObjectRef thisObject) {
     if (const MapElement* map = MapElement::behindWrapper(thisObject))
-        return map->view();
+        return map->view().get();
     const auto frame = ofContext(context);
     const auto map = frame && thisObject ? frame->find(thisObject) : nullptr;
-    return map ? map->view() : nullptr;
+    return map ? map->view().get() : nullptr; // its frame keeps it
 }
 
 // The element's own frame makes the map, which need not be this one: an element keeps the prototype of the document

@@ -12,13 +12,23 @@ namespace veyra {
 
 class ScriptCall {
 public:
-    explicit ScriptCall(ScriptContext& context);
-    ~ScriptCall();
+    explicit ScriptCall(ScriptContext& context)
+        : _context(context), _outer(_current), _firstArgument(context._arguments.size()),
+          _firstWrapper(context._recentWrappers.size()) {
+        _current = this;
+        ++_context._callDepth;
+    }
+    ~ScriptCall() {
+        _current = _outer;
+        if (_context.hasToSettle(_firstArgument, _firstWrapper))
+            _context.settle(_firstArgument, _firstWrapper);
+        --_context._callDepth;
+    }
     ScriptCall(const ScriptCall&) = delete;
     ScriptCall& operator=(const ScriptCall&) = delete;
 
     /// The innermost call that is running, or null.
-    static ScriptCall* current();
+    static ScriptCall* current() { return _current; }
     void setPendingException(NSString message) { _pending = std::move(message); }
 
     /// Runs `body`, which returns the script result of the call. A pending message, an NSException (its reason), or
@@ -36,11 +46,17 @@ public:
         } catch (const std::exception& other) {
             call.setPendingException(NSString(std::string_view(other.what())));
         }
-        return call.finish(script, result, exception);
+        if (call._pending) {
+            if (exception)
+                *exception = ScriptContext::makeError(script, *call._pending);
+            result = nullptr;
+        }
+        return result ? result : JSValueMakeUndefined(script);
     }
 
 private:
-    JSValueRef finish(JSContextRef script, JSValueRef result, JSValueRef* exception);
+    // Calls run on the web thread only: one chain is enough, and a thread-local one costs a look-up in a loadable module.
+    static inline ScriptCall* _current = nullptr;
 
     ScriptContext& _context;
     ScriptCall* const _outer;

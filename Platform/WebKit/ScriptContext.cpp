@@ -49,15 +49,19 @@ std::shared_ptr<ScriptContext> ScriptContext::of(JSGlobalContextRef globalContex
     return context;
 }
 
-std::shared_ptr<ScriptContext> ScriptContext::existing(JSContextRef context) {
+ScriptContext* ScriptContext::find(JSContextRef context) {
     JSGlobalContextRef global = JSContextGetGlobalContext(context);
     if (lastFound && lastFound->_context == global)
-        return lastFound->shared_from_this();
+        return lastFound;
     const auto found = registry().find(global);
     if (found == registry().end())
         return nullptr;
-    lastFound = found->second.get();
-    return found->second;
+    return lastFound = found->second.get();
+}
+
+std::shared_ptr<ScriptContext> ScriptContext::existing(JSContextRef context) {
+    ScriptContext* const found = find(context);
+    return found ? found->shared_from_this() : nullptr;
 }
 
 size_t ScriptContext::liveContexts() {

@@ -26,6 +26,8 @@ public:
     static std::shared_ptr<ScriptContext> of(JSGlobalContextRef globalContext, JSObjectRef keeper = nullptr);
     /// The context that was made for the global context of `context`, or null.
     static std::shared_ptr<ScriptContext> existing(JSContextRef context);
+    /// The same without holding it: for calls that run no script.
+    static ScriptContext* find(JSContextRef context);
     ~ScriptContext();
 
     /// Null once the context is dead.
@@ -82,6 +84,9 @@ private:
     std::shared_ptr<NSObject> unwrap(JSObjectRef object);
     JSValueRef wrap(const std::shared_ptr<NSObject>& object);
     void refresh(NSObject& object, JSObjectRef script);
+    bool hasToSettle(size_t firstArgument, size_t firstWrapper) const {
+        return _arguments.size() > firstArgument || _recentWrappers.size() > firstWrapper || !_keptWrappers.empty();
+    }
     void settle(size_t firstArgument, size_t firstWrapper);
     void reclaimSlots();
 

@@ -60,15 +60,21 @@ JSValueRef throwPageGone(JSContextRef script, JSValueRef* exception) {
     return throwError(script, exception, "ReferenceError", "The page of this map has gone");
 }
 
+// Getters run no script, so that neither the context nor the object needs to be held for them. Making a script object of the
+// result may: a page can put a setter on a prototype.
 JSValueRef readKey(size_t index, JSContextRef script, JSObjectRef thisObject, JSValueRef* exception) {
-    const auto context = ScriptContext::existing(script);
+    ScriptContext* const context = ScriptContext::find(script);
     if (!context)
         return throwPageGone(script, exception);
-    const auto object = exposure().resolver(script, thisObject);
+    NSObject* const object = exposure().resolver(script, thisObject);
     if (!object)
         return JSValueMakeUndefined(script);
+    std::shared_ptr<ScriptContext> held; // outlives the call
     return ScriptCall::run(*context, script, exception, [&] {
-        return context->toScript(exposure().keys[index].getter.implementation(*object, {}));
+        const id value = exposure().keys[index].getter.implementation(*object, {});
+        if (value.isObject())
+            held = context->shared_from_this();
+        return context->toScript(value);
     });
 }
 
@@ -96,11 +102,12 @@ JSValueRef writeKey(size_t index, JSContextRef script, JSObjectRef thisObject, J
     if (!context)
         return throwPageGone(script, exception);
     const ExposedKey& key = exposure().keys[index];
-    const auto object = exposure().resolver(script, thisObject);
-    if (!object) {
+    NSObject* const found = exposure().resolver(script, thisObject);
+    if (!found) {
         defineOwnProperty(*context, script, thisObject, key.scriptName, value, exception);
         return JSValueMakeUndefined(script);
     }
+    const auto object = found->shared_from_this();
     return ScriptCall::run(*context, script, exception, [&]() -> JSValueRef {
         const id argument = key.setsBoolean ? id(JSValueToBoolean(script, value)) : context->argumentToNative(value);
         key.setter.implementation(*object, std::span(&argument, 1));
@@ -113,9 +120,10 @@ JSValueRef callMethod(size_t index, JSContextRef script, JSObjectRef thisObject,
     const auto context = ScriptContext::existing(script);
     if (!context)
         return throwPageGone(script, exception);
-    const auto object = exposure().resolver(script, thisObject);
-    if (!object)
+    NSObject* const found = exposure().resolver(script, thisObject);
+    if (!found)
         return throwError(script, exception, "TypeError", "The method was called on an object that is no map");
+    const auto object = found->shared_from_this();
     return ScriptCall::run(*context, script, exception, [&]() -> JSValueRef {
         const ExposedMethod& exposed = exposure().methods[index];
         std::array<id, maximumParameters> arguments;

@@ -6,8 +6,9 @@
 
 namespace veyra {
 
-/// Finds the native object behind a script object; null when there is none.
-using ScriptObjectResolver = std::shared_ptr<NSObject> (*)(JSContextRef context, JSObjectRef thisObject);
+/// Finds the native object behind a script object; null when there is none. The host keeps the object alive until a script
+/// runs or the call returns; who runs scripts holds it for itself.
+using ScriptObjectResolver = NSObject* (*)(JSContextRef context, JSObjectRef thisObject);
 
 /// Defines on `target` (a prototype or a single object) a non-enumerable accessor for each script key of `cls` and a
 /// non-enumerable function for each of its script methods. `keys` are the native keys in order. Reads on a `this` that

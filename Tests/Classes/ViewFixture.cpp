@@ -198,10 +198,10 @@ void ViewFixture::expose(const std::string& name, const std::shared_ptr<PlugInIn
     exposeClass(*context, object, VeyraView::classObject(), VeyraView::scriptingKeys(), resolve);
 }
 
-std::shared_ptr<NSObject> ViewFixture::resolve(JSContextRef, JSObjectRef object) {
+NSObject* ViewFixture::resolve(JSContextRef, JSObjectRef object) {
     for (const ShownMap& map : _maps)
         if (map.object == object)
-            return map.instance->view();
+            return map.instance->view().get();
     return nullptr;
 }
 

@@ -73,7 +73,7 @@ private:
         JSObjectRef object; // protected
         std::shared_ptr<PlugInInstance> instance;
     };
-    static std::shared_ptr<NSObject> resolve(JSContextRef, JSObjectRef object);
+    static NSObject* resolve(JSContextRef, JSObjectRef object);
     JSObjectRef setGlobal(const std::string& name, JSObjectRef object);
 
     static std::vector<ShownMap> _maps; // of the running test

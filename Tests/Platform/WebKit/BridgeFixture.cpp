@@ -7,8 +7,8 @@ namespace {
 std::shared_ptr<Probe> currentProbe;
 JSObjectRef currentProbeObject = nullptr;
 
-std::shared_ptr<NSObject> resolve(JSContextRef, JSObjectRef object) {
-    return object == currentProbeObject ? currentProbe : nullptr;
+NSObject* resolve(JSContextRef, JSObjectRef object) {
+    return object == currentProbeObject ? currentProbe.get() : nullptr;
 }
 
 bool isOneOf(const char* name, std::initializer_list<const char*> names) {

@@ -14,7 +14,8 @@ namespace {
 constexpr const char* errorDomain = "MKErrorDomain";
 constexpr int errorUnknown = 1;
 
-// Two changes of the scale within this time are one movement, which ends when the scale has rested for as long. Seconds.
+// Two changes of the scale within this time are one movement, which ends when the scale has rested for as long.
+// Seconds.
 constexpr double scaleRest = 0.15;
 
 } // namespace
@@ -54,7 +55,8 @@ bool MKMapView::followScale() {
 }
 
 bool MKMapView::isIdle() const {
-    return !_changing && !_scaleKeepsChanging && _loading == Loading::Nothing && _queuedReports == 0 && !_tiles->isWaiting();
+    return !_changing && !_scaleKeepsChanging && _loading == Loading::Nothing && _queuedReports == 0 &&
+           !_tiles->isWaiting();
 }
 
 void MKMapView::tilesArrivedIn(const CGRect& area) {

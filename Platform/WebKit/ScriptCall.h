@@ -55,7 +55,8 @@ public:
     }
 
 private:
-    // Calls run on the web thread only: one chain is enough, and a thread-local one costs a look-up in a loadable module.
+    // Calls run on the web thread only: one chain is enough, and a thread-local one costs a look-up in a loadable
+    // module.
     static inline ScriptCall* _current = nullptr;
 
     ScriptContext& _context;

@@ -18,7 +18,9 @@ Registry& registry() {
     return *contexts;
 }
 
-// The context of the last look-up: calls come in runs from one page. Null when that has died.
+// The last look-up: calls come in runs from one page, and the engine takes its lock to tell a global context. Null when
+// the context has died.
+JSContextRef lastScript = nullptr;
 ScriptContext* lastFound = nullptr;
 
 JSObjectRef objectProperty(JSContextRef context, JSObjectRef object, const char* name) {
@@ -50,12 +52,12 @@ std::shared_ptr<ScriptContext> ScriptContext::of(JSGlobalContextRef globalContex
 }
 
 ScriptContext* ScriptContext::find(JSContextRef context) {
-    JSGlobalContextRef global = JSContextGetGlobalContext(context);
-    if (lastFound && lastFound->_context == global)
+    if (lastFound && lastScript == context)
         return lastFound;
-    const auto found = registry().find(global);
+    const auto found = registry().find(JSContextGetGlobalContext(context));
     if (found == registry().end())
         return nullptr;
+    lastScript = context;
     return lastFound = found->second.get();
 }
 

@@ -60,8 +60,8 @@ JSValueRef throwPageGone(JSContextRef script, JSValueRef* exception) {
     return throwError(script, exception, "ReferenceError", "The page of this map has gone");
 }
 
-// Getters run no script, so that neither the context nor the object needs to be held for them. Making a script object of the
-// result may: a page can put a setter on a prototype.
+// Getters run no script, so that neither the context nor the object needs to be held for them. Making a script object
+// of the result may: a page can put a setter on a prototype.
 JSValueRef readKey(size_t index, JSContextRef script, JSObjectRef thisObject, JSValueRef* exception) {
     ScriptContext* const context = ScriptContext::find(script);
     if (!context)

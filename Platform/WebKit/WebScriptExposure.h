@@ -6,8 +6,8 @@
 
 namespace veyra {
 
-/// Finds the native object behind a script object; null when there is none. The host keeps the object alive until a script
-/// runs or the call returns; who runs scripts holds it for itself.
+/// Finds the native object behind a script object; null when there is none. The host keeps the object alive until a
+/// script runs or the call returns; who runs scripts holds it for itself.
 using ScriptObjectResolver = NSObject* (*)(JSContextRef context, JSObjectRef thisObject);
 
 /// Defines on `target` (a prototype or a single object) a non-enumerable accessor for each script key of `cls` and a

@@ -1,6 +1,7 @@
 #include "Hosts/Common/HostConfiguration.h"
 
 #include "Classes/VeyraView.h"
+#include "Hosts/Common/HostViewDelegate.h"
 #include "Platform/Foundation/NSNotificationCenter.h"
 #include "Platform/WebKit/WebPlugInContainer.h"
 
@@ -19,11 +20,12 @@ bool isFileURL(const id& url) {
 
 void configureCreatedViews(const HostConfiguration& configuration) {
     NSNotificationCenter::defaultCenter().addObserver(
-        VeyraCreatedNotification, [configuration](const NSNotification& notification) {
+        VeyraCreatedNotification,
+        [configuration, delegate = std::make_shared<HostViewDelegate>()](const NSNotification& notification) {
             const auto view = std::dynamic_pointer_cast<VeyraView>(notification.object);
             if (!view || !notification.userInfo)
                 return;
-            view->setDelegate(configuration.viewDelegate);
+            view->setDelegate(delegate); // which the observer keeps: views do not
             view->setScreenScale(notification.userInfo->objectForKey(VeyraScreenScaleKey).doubleValue());
             view->setClientAllowsFileURLLoading(isFileURL(notification.userInfo->objectForKey(WebPlugInBaseURLKey)));
             view->setVerboseDebugLoggingEnabled(configuration.verboseDebugLogging);

@@ -10,12 +10,11 @@ inline constexpr const char* VeyraScreenScaleKey = "VeyraScreenScaleKey";
 
 struct HostConfiguration {
     bool verboseDebugLogging = false;
-    /// The delegate of every view; lives as long as the process; may be null.
-    std::shared_ptr<NSObject> viewDelegate;
 };
 
-/// Observes creations for the rest of the process. The screen's scale comes with the plug-in arguments; loading from
-/// file addresses is allowed to pages that are files themselves. Called once, before the first view is made.
+/// Observes creations for the rest of the process. Every view gets the process's HostViewDelegate; the screen's scale
+/// comes with the plug-in arguments; loading from file addresses is allowed to pages that are files themselves. Called
+/// once, before the first view is made.
 void configureCreatedViews(const HostConfiguration& configuration);
 
 } // namespace veyra

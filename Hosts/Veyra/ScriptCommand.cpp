@@ -71,7 +71,7 @@ Outcome runScript(const CommandLine& line) {
     if (!readFile(line.input, source, outcome))
         return outcome;
     setMainQueue(new DispatchQueue(g_main_context_default(), "main"));
-    configureCreatedViews({.verboseDebugLogging = line.verbose, .viewDelegate = nullptr});
+    configureCreatedViews({.verboseDebugLogging = line.verbose});
     GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
     if (line.timeout)
         g_timeout_add(static_cast<guint>(std::ceil(*line.timeout * 1000)), endProcess, const_cast<CommandLine*>(&line));

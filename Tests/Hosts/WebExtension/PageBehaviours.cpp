@@ -22,6 +22,7 @@ constexpr Page pages[] = {
     {"Element", "element.js", "/pages/element.html"},
     {"ElementUnderStrictPolicy", "element.js", "/pages/element.html?csp"},
     {"Documents", "documents.js", "/pages/documents.html"},
+    {"Safety", "safety.js", "/pages/safety.html"},
     {"Isolation", "isolation.js", "/pages/isolation.html"},
     {"Layout", "layout.js", "/pages/layout.html"},
     {"Arguments", "arguments.js", "/pages/arguments.html"},

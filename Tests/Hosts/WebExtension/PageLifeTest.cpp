@@ -12,8 +12,8 @@ const char* const addMarkedMap = "window.map = addMap(); map.mapType = 1; window
                                  "addEventListener('pageshow', (event) => { window.persisted = event.persisted; });"
                                  "return map.mapType";
 
-// The collector takes whatever on the stack looks like a pointer for one. The larger frames of a sanitizer keep some that
-// nobody uses; without one every object is counted.
+// The collector takes whatever on the stack looks like a pointer for one. The larger frames of a sanitizer keep some
+// that nobody uses; without one every object is counted.
 #ifdef VEYRA_SANITIZED
 constexpr uint64_t staleObjects = 2;
 #else

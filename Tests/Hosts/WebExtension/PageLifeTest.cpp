@@ -12,14 +12,6 @@ const char* const addMarkedMap = "window.map = addMap(); map.mapType = 1; window
                                  "addEventListener('pageshow', (event) => { window.persisted = event.persisted; });"
                                  "return map.mapType";
 
-// The collector takes whatever on the stack looks like a pointer for one. The larger frames of a sanitizer keep some
-// that nobody uses; without one every object is counted.
-#ifdef VEYRA_SANITIZED
-constexpr uint64_t staleObjects = 2;
-#else
-constexpr uint64_t staleObjects = 0;
-#endif
-
 class PageLife : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,17 +28,13 @@ protected:
     }
     // Whether so many views and contexts are left once the collector has run.
     bool counts(uint64_t views, uint64_t contexts) {
-        const auto isLeft = [this](const char* name, uint64_t count) {
-            const uint64_t left = browser.statistic(name);
-            return left >= count && left <= count + staleObjects;
-        };
         for (int tries = 0; tries < 50; ++tries) {
             browser.collectGarbage();
-            if (isLeft("views", views) && isLeft("contexts", contexts))
+            if (browser.statistic("views") == views && browser.statistic("contexts") == contexts)
                 return true;
             Browser::wait(0.05);
         }
-        return isLeft("views", views) && isLeft("contexts", contexts);
+        return browser.statistic("views") == views && browser.statistic("contexts") == contexts;
     }
 
     Browser& browser = Browser::shared();

@@ -9,12 +9,35 @@ double MKCamera::minimumScale(CGSize viewSize) {
     return std::max(viewSize.width, viewSize.height) / MKWorldSide;
 }
 
+namespace {
+
+// Relative; of the sides of a rectangle that went through degrees and back.
+constexpr double sameShape = 1e-9;
+
+/// The distance (map points) from the centre to the farther of the region's north and south edges. They lie at the same
+/// number of degrees from it, but not at the same distance on the map: the one towards the pole is farther.
+double farthestEdge(const MKCoordinateRegion& region, MKMapPoint center) {
+    const double half = std::max(region.span.latitudeDelta, 0.0) / 2;
+    const double north = MKMapPointForCoordinate({region.center.latitude + half, region.center.longitude}).y;
+    const double south = MKMapPointForCoordinate({region.center.latitude - half, region.center.longitude}).y;
+    return std::max(std::abs(center.y - north), std::abs(south - center.y));
+}
+
+} // namespace
+
 MKCamera MKCamera::fitting(const MKCoordinateRegion& region, CGSize viewSize) {
-    const MKMapRect rect = MKMapRectForCoordinateRegion(region);
     MKCamera camera;
     camera.center = MKMapPointForCoordinate(region.center);
-    // A side of 0 asks for an infinite scale; the limits take care of it.
-    camera.scale = std::min(viewSize.width / rect.size.width, viewSize.height / rect.size.height);
+    const MKMapRect rect = MKMapRectForCoordinateRegion(region);
+    const double scaleX = viewSize.width / rect.size.width;
+    const double scaleY = viewSize.height / rect.size.height;
+    if (std::abs(scaleX - scaleY) <= sameShape * scaleX) {
+        // The region of a map rectangle of the view's shape, as the map reports it: it is shown as it was.
+        camera.scale = scaleX;
+    } else {
+        // A side of 0 asks for an infinite scale; the limits take care of it.
+        camera.scale = std::min(scaleX, viewSize.height / (2 * farthestEdge(region, camera.center)));
+    }
     return camera.normalized().clamped(viewSize);
 }
 

@@ -2,6 +2,7 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/UIKit/UIPinchGestureRecognizer.h"
@@ -31,9 +32,11 @@ void MKMapView::drawRect(const UIGraphicsContext& context) {
                       .viewSize = _viewSize,
                       .deviceScale = context.scale,
                       .mapType = _mapType,
+                      .style = window()->userInterfaceStyle(),
                       .scaleIsChanging = followScale() || pinching || (_motion && _motion->changesScale()),
                       .destination = animation ? std::optional(animation->target()) : std::nullopt});
     _tiles->draw(context);
+    drawLabels(context);
     reportLoading();
 }
 
@@ -56,7 +59,7 @@ bool MKMapView::followScale() {
 
 bool MKMapView::isIdle() const {
     return !_changing && !_scaleKeepsChanging && _loading == Loading::Nothing && _queuedReports == 0 &&
-           !_tiles->isWaiting();
+           !_tiles->isWaiting() && _labels->isComplete();
 }
 
 void MKMapView::tilesArrivedIn(const CGRect& area) {

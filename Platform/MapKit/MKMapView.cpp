@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMotion.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
@@ -23,6 +24,7 @@ MKMapView::~MKMapView() = default;
 
 void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
+    _labels = std::make_unique<MKLabelLayer>();
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason) { tileFailed(reason); });
@@ -53,6 +55,7 @@ void MKMapView::setScrollEnabled(bool enabled) {
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
     _tiles->setSource(source);
+    _labelsFailed = false;
     setNeedsDisplay();
 }
 

@@ -18,6 +18,7 @@
 namespace veyra {
 
 class DispatchTimer;
+class MKLabelLayer;
 class MKMotion;
 class MKTileLayer;
 class MKTileSource;
@@ -110,6 +111,9 @@ private:
     MKCamera cameraForKeys() const;
     void changeByKey(const MKCamera& target);
 
+    // Names: MKMapView+Labels.cpp
+    void drawLabels(const UIGraphicsContext& context);
+
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
     void tileFailed(const std::string& reason);
@@ -150,6 +154,8 @@ private:
     std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
 
     std::unique_ptr<MKTileLayer> _tiles;
+    std::unique_ptr<MKLabelLayer> _labels;
+    bool _labelsFailed = false; // the source's names cannot be had, which was logged
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
     unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Platform/MapKit/MKMapType.h"
+#include "Platform/UIKit/UIUserInterfaceStyle.h"
 
 #include <cairo.h>
 
@@ -13,6 +14,8 @@
 #include <memory>
 
 namespace veyra {
+
+class BasemapNames;
 
 /// A colour without transparency, 0x00RRGGBB as in a Cairo RGB24 surface.
 using MKTileColor = uint32_t;
@@ -25,6 +28,7 @@ struct MKTileKey {
     double scale = 0;       ///< device pixels a map point, exact: pictures of other scales are other tiles
     double deviceScale = 1; ///< device pixels a point, for the widths of lines
     int32_t column = 0, row = 0;
+    UIUserInterfaceStyle style = UIUserInterfaceStyleLight; ///< dark only for sources that have a dark picture
     friend bool operator==(const MKTileKey&, const MKTileKey&) = default;
 
     /// The side in map points.
@@ -65,6 +69,12 @@ public:
     virtual std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const = 0;
     /// The colour of a place before anything of it is drawn.
     virtual MKTileColor backgroundColor(MKMapType mapType) const = 0;
+    /// Whether the picture for dark surroundings is another one.
+    virtual bool hasDarkPicture() const { return false; }
+    /// The colour behind that picture.
+    virtual MKTileColor darkBackgroundColor(MKMapType mapType) const { return backgroundColor(mapType); }
+    /// Names to be written over the picture, or null. Throws like `drawTile`. They live as long as the source.
+    virtual const BasemapNames* names(MKMapType) const { return nullptr; }
     /// Unique in the process and never used again.
     uint64_t identifier() const { return _identifier; }
 
@@ -80,6 +90,7 @@ struct std::hash<veyra::MKTileKey> {
         size_t value = std::hash<uint64_t>()(key.source) * 31 + key.mapType;
         value = value * 1000003 + std::hash<double>()(key.scale);
         value = value * 1000003 + std::hash<double>()(key.deviceScale);
+        value = value * 31 + key.style;
         value = value * 1000003 + static_cast<uint32_t>(key.column);
         return value * 1000003 + static_cast<uint32_t>(key.row);
     }

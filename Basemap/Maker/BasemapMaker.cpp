@@ -46,6 +46,8 @@ void makeWorld(const std::string& shapefiles, const std::string& countries, cons
     // Leased ground; its edge is no border between countries.
     const std::vector<std::string> leased = {"Baikonur", "USNB Guantanamo Bay"};
 
+    const std::vector<PositionRing> finestLand =
+        separateLakes(readPolygonShapefile(shapefiles + "/10m/ne_10m_land.shp")).land;
     FileWriter writer("Natural Earth");
     LandAndLakes coarser;
     for (const LevelPlan& plan : levelPlans) {
@@ -68,7 +70,7 @@ void makeWorld(const std::string& shapefiles, const std::string& countries, cons
         }
         if (plan.provinceZoom > 0) {
             const std::string provinces = shapefiles + "/10m/ne_10m_admin_1_states_provinces_lines";
-            for (const auto& [layer, lines] : readProvinceLines(provinces, plan.provinceZoom)) {
+            for (const auto& [layer, lines] : readProvinceLines(provinces, plan.provinceZoom, finestLand)) {
                 cutter.addLines(layer, lines, plan.tolerance);
             }
         }

@@ -23,6 +23,8 @@ constexpr double shadeStrength = 0.034;
 // Colours are lifted a little: the picture is dark, as the planet is.
 constexpr double landGamma = 0.80, waterGamma = 0.86;
 
+constexpr Color deepestWater = {5, 13, 30};
+
 class Maker {
 public:
     Maker(const ImageryInputs& inputs, int side)
@@ -62,6 +64,13 @@ public:
 private:
     static int wrapped(int x, int width) { return (x % width + width) % width; }
 
+    // Where the picture's shores lie beside those of the shapes, land that looks like water counts for next to nothing,
+    // and so does water that looks like land.
+    static double blueness(const std::uint8_t* pixel) {
+        constexpr double least = 0.0005, sure = 16;
+        return std::clamp((pixel[2] - std::max(pixel[0], pixel[1])) / sure, least, 1 - least);
+    }
+
     // Fractions of the input's width and height; `land`: how much of the pixel is land.
     Color colorAt(double inputX, double inputY, double land) const {
         const double centerX = inputX * _picture.width - 0.5, centerY = inputY * _picture.height - 0.5;
@@ -73,7 +82,7 @@ private:
             acrossWeights[static_cast<std::size_t>(i)] = std::exp(-off * off / 2);
         }
         Color ofLand{}, ofWater{};
-        double landWeight = 1e-9, waterWeight = 1e-9;
+        double landWeight = 1e-12, waterWeight = 1e-12;
         for (int k = 0; k < 2 * reach; ++k) {
             const int y = std::clamp(firstY + k, 0, _picture.height - 1);
             const double off = (firstY + k - centerY) / bellWidth;
@@ -84,8 +93,9 @@ private:
                 // A pixel that is but half land tells little about either.
                 const double share = *_inputMask.at(x, y) / 255.0;
                 const double both = weight * acrossWeights[static_cast<std::size_t>(i)];
-                const double asLand = both * share * share * share,
-                             asWater = both * (1 - share) * (1 - share) * (1 - share);
+                const double blue = blueness(pixel);
+                const double asLand = both * share * share * share * (1 - blue);
+                const double asWater = both * (1 - share) * (1 - share) * (1 - share) * blue;
                 for (std::size_t channel = 0; channel < 3; ++channel) {
                     ofLand[channel] += asLand * pixel[channel];
                     ofWater[channel] += asWater * pixel[channel];
@@ -95,10 +105,13 @@ private:
             }
         }
         // An island too small for the input has the colour of what is there.
-        const bool hasLand = landWeight > 1e-3, hasWater = waterWeight > 1e-3;
+        const bool hasLand = landWeight > 1e-6, hasWater = waterWeight > 1e-6;
         Color color{};
         for (std::size_t channel = 0; channel < 3; ++channel) {
-            const double landColor = ofLand[channel] / landWeight, waterColor = ofWater[channel] / waterWeight;
+            const double landColor = ofLand[channel] / landWeight;
+            // Deep water is a dark blue, not black.
+            const double waterColor =
+                deepestWater[channel] + ofWater[channel] / waterWeight * (1 - deepestWater[channel] / 255);
             color[channel] = hasLand && hasWater ? landColor * land + waterColor * (1 - land)
                              : hasLand           ? landColor
                                                  : waterColor;
@@ -124,7 +137,9 @@ private:
         const double step = 1.2;
         const double slopeX = (heightAt(x + step * across, y) - heightAt(x - step * across, y)) / (2 * step);
         const double slopeY = (heightAt(x, y + step) - heightAt(x, y - step)) / (2 * step);
-        return std::clamp(1 - shadeStrength * (-slopeX - slopeY), 0.62, 1.30);
+        // Towards the poles the heights are stretched and show their grain.
+        const double strength = shadeStrength * std::clamp((85 - std::abs(latitude)) / 25, 0.3, 1.0);
+        return std::clamp(1 - strength * (-slopeX - slopeY), 0.62, 1.30);
     }
 
     const Raster& _picture;

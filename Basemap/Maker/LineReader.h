@@ -15,7 +15,8 @@ using LayeredLines = std::vector<std::pair<BasemapLayer, std::vector<PositionLin
 // Rivers by their rank. `path` is the shapefile's, without ".shp".
 LayeredLines readRivers(const std::string& path);
 
-// The lines within countries, of those that are worth showing at zoom `zoom` and below.
-LayeredLines readProvinceLines(const std::string& path, double zoom);
+// The lines within countries, of those that are worth showing at zoom `zoom` and below. What of them crosses the sea is
+// left out.
+LayeredLines readProvinceLines(const std::string& path, double zoom, const std::vector<PositionRing>& land);
 
 } // namespace veyra::basemapMaker

@@ -74,7 +74,9 @@ double cityZoom(int rank, double population, bool isCapital) {
     // Within a rank the large ones come up to half a zoom before the small ones.
     const double size = std::clamp((std::log10(std::max(population, 1.0)) - 4) / 3, 0.0, 1.0);
     const double settled = zoom + 0.5 * (1 - size);
-    return isCapital ? std::min(settled, 4.3 - 0.8 * size) : settled;
+    // The capitals of very small countries need not come before the large cities of their neighbours.
+    const double latest = population > 1e5 ? 4.3 - 0.8 * size : 5.2;
+    return isCapital ? std::min(settled, latest) : settled;
 }
 
 std::uint8_t citySize(double population) {
@@ -134,6 +136,7 @@ void NamesMaker::addCountries(const std::vector<NamedShape>& shapes) {
                                                "Åland",
                                                "Antarctica",
                                                "Wallis and Futuna Is."};
+    constexpr double tiny = 0.5; // degrees
     for (const NamedShape& shape : shapes) {
         const std::optional<std::string> shown = _table.shown(shape.name);
         if (!shown || shape.polygons.empty()) {
@@ -146,8 +149,9 @@ void NamesMaker::addCountries(const std::vector<NamedShape>& shapes) {
         made.entry.kind = isTerritory ? BasemapNameKind::Territory : BasemapNameKind::Country;
         made.entry.size = areaSize(place.width);
         // A name may be somewhat wider than its country. The small ones, which have no room at all, wait.
-        const double fits = zoomFor(place.width, 0.75 * broken.width);
-        made.entry.minimumZoom = std::clamp(fits, isTerritory ? 2.0 : 1.2, isTerritory ? 6.2 : 5.6);
+        const double fits = zoomFor(place.width, 0.62 * broken.width);
+        const double latest = isTerritory || place.width < tiny ? 6.3 : 5.2;
+        made.entry.minimumZoom = std::clamp(fits, isTerritory ? 1.8 : 0.8, latest);
         made.entry.maximumZoom = std::max(zoomFor(place.width, 2400), made.entry.minimumZoom + 3);
         made.entry.extent = static_cast<std::int32_t>(place.width / 360 * worldSide);
         setPlace(made.entry, place.middle);

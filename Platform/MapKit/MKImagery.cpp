@@ -30,8 +30,17 @@ int wrapped(int value, int side) {
     return (value % side + side) % side;
 }
 
-uint32_t pixelOf(const float* rgb) {
-    const auto channel = [](float value) { return static_cast<uint32_t>(std::clamp(value + 0.5f, 0.0f, 255.0f)); };
+// What is added before a pixel's channels are cut off to whole numbers, 0 to 1, as evenly scattered as can be: slow
+// changes of colour would show as bands otherwise. Each tile scatters alike.
+float scatter(int x, int y) {
+    const float mixed = 0.06711056f * static_cast<float>(x) + 0.00583715f * static_cast<float>(y);
+    const float whole = 52.9829189f * (mixed - std::floor(mixed));
+    return whole - std::floor(whole);
+}
+
+uint32_t pixelOf(const float* rgb, int x, int y) {
+    const float added = scatter(x, y);
+    const auto channel = [&](float value) { return static_cast<uint32_t>(std::clamp(value + added, 0.0f, 255.0f)); };
     return channel(rgb[0]) << 16 | channel(rgb[1]) << 8 | channel(rgb[2]);
 }
 
@@ -61,7 +70,7 @@ void write(const MKFloatPicture& picture, cairo_surface_t* surface) {
     for (int y = 0; y < picture.side; ++y) {
         auto* const row = reinterpret_cast<uint32_t*>(pixels + static_cast<size_t>(y) * stride);
         for (int x = 0; x < picture.side; ++x) {
-            row[x] = pixelOf(picture.at(x, y));
+            row[x] = pixelOf(picture.at(x, y), x, y);
         }
     }
     cairo_surface_mark_dirty(surface);
@@ -86,7 +95,7 @@ void mix(const MKFloatPicture& parts, const std::vector<uint8_t>& mask, cairo_su
                         share * part[4 + channel] / land + (1 - share) * (part[channel] - part[4 + channel]) / water;
                 }
             }
-            row[x] = pixelOf(mixed);
+            row[x] = pixelOf(mixed, x, y);
         }
     }
     cairo_surface_mark_dirty(surface);

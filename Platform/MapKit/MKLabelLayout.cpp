@@ -14,6 +14,8 @@ constexpr double zoomZeroSide = 256; // points
 constexpr double never = 1000;
 // A place that is not the best must let a name come so many zooms earlier.
 constexpr double worthMoving = 0.3;
+// By how much of the width of its land a name may move up or down.
+constexpr double mostOfExtent = 0.22;
 // Between a mark and its name, in points.
 constexpr double markGap = 2.5;
 
@@ -171,12 +173,27 @@ MKLabelLayout::Places MKLabelLayout::placesOf(const BasemapName& name) {
         above.text[step] = {-halfX, -radius - 2 * halfY, halfX, -radius};
         below.text[step] = {-halfX, radius, halfX, radius + 2 * halfY};
     }
-    return name.kind == BasemapNameKind::City ? Places{right, left, above, below} : Places{middle};
+    if (name.kind == BasemapNameKind::City) {
+        return {right, left, above, below};
+    }
+    // A name upon its land may move up and down by its own height, where the land is large enough.
+    Places places;
+    for (const double lines : {0.0, 1.0, -1.0, 2.0, -2.0}) {
+        MKSettledLabel& place = places.emplace_back(middle);
+        const double moved = std::abs(lines) * (middle.text.back().bottom - middle.text.back().top);
+        place.firstZoom = zoomAt(moved / (mostOfExtent * std::max(name.extent, 1)));
+        for (MKLabelBox& box : place.text) {
+            const double dy = lines * (box.bottom - box.top);
+            box.top += dy;
+            box.bottom += dy;
+        }
+    }
+    return places;
 }
 
 double MKLabelLayout::firstZoomOf(size_t index, const MKSettledLabel& label, const std::vector<size_t>& others) {
     const BasemapName& name = _names.all()[index];
-    double first = scaleAt(name.minimumZoom);
+    double first = scaleAt(std::max(name.minimumZoom, label.firstZoom));
     for (const size_t other : others) {
         const MKSettledLabel& known = settled(other);
         const Range visible{std::max(first, scaleAt(known.firstZoom)), scaleAt(known.lastZoom)};

@@ -53,6 +53,7 @@ public:
 
 private:
     using Places = std::vector<MKSettledLabel>; // that a name may go to, the best first
+    /// Their first zoom is the least at which the place itself will do.
     Places placesOf(const BasemapName& name);
     /// From which zoom on the label never meets one of those that matter more.
     double firstZoomOf(size_t index, const MKSettledLabel& label, const std::vector<size_t>& others);

@@ -7,7 +7,7 @@ namespace {
 using Sizes = std::array<std::array<double, 4>, MKLabelSteps.size()>; // by step and size of the name
 
 constexpr Sizes countrySizes = {{{8.5, 9, 9.5, 10.5}, {9.5, 10.5, 11.5, 12.5}, {10.5, 12, 13.5, 14.5}}};
-constexpr Sizes waterSizes = {{{9, 9.5, 10, 12}, {9.5, 10.5, 11.5, 13.5}, {10.5, 11.5, 13, 15}}};
+constexpr Sizes waterSizes = {{{9, 9.5, 10, 10.5}, {9.5, 10.5, 11.5, 13.5}, {10.5, 11.5, 13, 15}}};
 constexpr Sizes citySizes = {{{9, 9.5, 10, 10.5}, {9.5, 10, 10.5, 11.5}, {10, 10.5, 12, 13.5}}};
 
 struct Palette {
@@ -61,7 +61,8 @@ MKLabelFont MKLabelFont::forName(const BasemapName& name, size_t step) {
     case BasemapNameKind::Territory:
         return {.size = countrySizes[step][size] - 0.5, .letterSpacing = 0.6, .isUpperCase = true};
     case BasemapNameKind::Ocean:
-        return {.size = waterSizes[step][3] + 0.5, .letterSpacing = 2, .isItalic = true};
+        return {
+            .size = waterSizes[step][3] + 0.5, .letterSpacing = 1 + 0.8 * static_cast<double>(step), .isItalic = true};
     case BasemapNameKind::Sea:
     case BasemapNameKind::Lake:
         return {.size = waterSizes[step][size], .letterSpacing = 0.2, .isItalic = true};

@@ -95,7 +95,7 @@ void makePictures(const std::string& shapefiles, const std::string& picture, con
     constexpr int reliefColumns = 16, reliefRows = 8;
     // A pixel at zoom 5 on a usual display, twice as fine as the picture: the relief and the shores are that fine.
     constexpr int side = 8192;
-    constexpr int tileSide = 512;
+    constexpr int tileSide = 256;
     constexpr int quality = 74;
     const ImageryInputs inputs{readPicture(picture), readTiledPicture(relief, reliefColumns, reliefRows),
                                separateLakes(readPolygonShapefile(shapefiles + "/10m/ne_10m_land.shp"))};

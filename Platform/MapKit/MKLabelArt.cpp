@@ -65,7 +65,8 @@ const MKLabelArt* MKLabelArtCache::find(const MKLabelArtKey& key) {
         return nullptr;
     }
     _order.splice(_order.begin(), _order, found->second);
-    return found->second->second.get();
+    found->second->lastUse = ++_useCount;
+    return found->second->art.get();
 }
 
 const MKLabelArt* MKLabelArtCache::draw(const MKLabelArtKey& key, const MKSettledLabel& label) {
@@ -94,14 +95,17 @@ const MKLabelArt* MKLabelArtCache::draw(const MKLabelArtKey& key, const MKSettle
     cairo_destroy(cairo);
     cairo_surface_flush(surface);
     _byteSize += art->byteSize();
-    _order.emplace_front(key, std::move(art));
+    _order.push_front({key, std::move(art), ++_useCount});
     _entries[key] = _order.begin();
-    while (_byteSize > byteLimit && _order.size() > 1) {
-        _byteSize -= _order.back().second->byteSize();
-        _entries.erase(_order.back().first);
+    return _order.front().art.get();
+}
+
+void MKLabelArtCache::trim(uint64_t useCount) {
+    while (_byteSize > byteLimit && _order.back().lastUse <= useCount) {
+        _byteSize -= _order.back().art->byteSize();
+        _entries.erase(_order.back().key);
         _order.pop_back();
     }
-    return _order.front().second.get();
 }
 
 } // namespace veyra

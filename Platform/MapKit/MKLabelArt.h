@@ -47,18 +47,29 @@ public:
 
     /// The picture if it is there, or null.
     const MKLabelArt* find(const MKLabelArtKey& key);
-    /// Draws the picture; it is valid until the next call. Throws std::bad_alloc.
+    /// Draws the picture. Throws std::bad_alloc.
     const MKLabelArt* draw(const MKLabelArtKey& key, const MKSettledLabel& label);
+    /// Counts what is found and drawn.
+    uint64_t useCount() const { return _useCount; }
+    /// Lets go of pictures beyond the limit, but of none that was used after the count stood at `useCount`: what is on
+    /// the screen stays, however much it is.
+    void trim(uint64_t useCount);
     size_t byteSize() const { return _byteSize; }
 
 private:
     struct Hash {
         size_t operator()(const MKLabelArtKey& key) const noexcept;
     };
-    using Order = std::list<std::pair<MKLabelArtKey, std::unique_ptr<const MKLabelArt>>>; // most recently used first
+    struct Entry {
+        MKLabelArtKey key;
+        std::unique_ptr<const MKLabelArt> art;
+        uint64_t lastUse;
+    };
+    using Order = std::list<Entry>; // most recently used first
 
     MKLabelWriter _writer;
     size_t _byteSize = 0;
+    uint64_t _useCount = 0;
     Order _order;
     std::unordered_map<MKLabelArtKey, Order::iterator, Hash> _entries;
 };

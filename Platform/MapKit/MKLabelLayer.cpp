@@ -69,6 +69,7 @@ void MKLabelLayer::draw(const UIGraphicsContext& context, const BasemapNames& na
     const Stopwatch watch(seconds);
     MKLabelLayout& layout = MKLabelLayout::shared(names);
     MKLabelArtCache& cache = MKLabelArtCache::shared();
+    const uint64_t usesBefore = cache.useCount();
     const size_t step = MKLabelStepAt(zoomOf(scene));
     const int originX = static_cast<int>(std::lround(context.origin.x * context.scale));
     const int originY = static_cast<int>(std::lround(context.origin.y * context.scale));
@@ -102,6 +103,7 @@ void MKLabelLayer::draw(const UIGraphicsContext& context, const BasemapNames& na
             cairo_paint(context.cairo);
         }
     }
+    cache.trim(usesBefore);
 }
 
 } // namespace veyra

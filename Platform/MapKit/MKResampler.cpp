@@ -32,21 +32,27 @@ Filter filterFor(double step) {
     return {b, (1 - b) / 2};
 }
 
-// The source pixels that make up one target pixel.
-struct Taps {
-    int first = 0;
-    std::vector<float> weights;
-};
+} // namespace
 
-std::vector<Taps> tapsFor(const MKResampler& place, int targetSide, int sourceSide) {
-    const Filter filter = filterFor(place.step);
-    const double widened = std::max(1.0, place.step), reach = 2 * widened;
-    std::vector<Taps> all(static_cast<size_t>(targetSide));
-    for (int i = 0; i < targetSide; ++i) {
-        const double middle = (i + 0.5) * place.step + place.start - 0.5;
+double MKResampledAxis::reach(double step) {
+    return 2 * std::max(1.0, step) + 1;
+}
+
+template <int Channels>
+MKResampler<Channels>::MKResampler(const MKResampledAxis& across, const MKResampledAxis& down)
+    : _across(across), _down(down), _columns(tapsFor(across)), _rows(tapsFor(down)) {}
+
+// The source pixels that make up each target pixel.
+template <int Channels>
+std::vector<typename MKResampler<Channels>::Taps> MKResampler<Channels>::tapsFor(const MKResampledAxis& axis) {
+    const Filter filter = filterFor(axis.step);
+    const double widened = std::max(1.0, axis.step), reach = 2 * widened;
+    std::vector<Taps> all(static_cast<size_t>(axis.targetSide));
+    for (int i = 0; i < axis.targetSide; ++i) {
+        const double middle = (i + 0.5) * axis.step + axis.start - 0.5;
         Taps& taps = all[static_cast<size_t>(i)];
-        taps.first = std::clamp(static_cast<int>(std::ceil(middle - reach)), 0, sourceSide - 1);
-        const int last = std::clamp(static_cast<int>(std::floor(middle + reach)), taps.first, sourceSide - 1);
+        taps.first = std::clamp(static_cast<int>(std::ceil(middle - reach)), 0, axis.sourceSide - 1);
+        const int last = std::clamp(static_cast<int>(std::floor(middle + reach)), taps.first, axis.sourceSide - 1);
         float sum = 0;
         for (int k = taps.first; k <= last; ++k) {
             taps.weights.push_back(static_cast<float>(filter.at((k - middle) / widened)));
@@ -59,44 +65,53 @@ std::vector<Taps> tapsFor(const MKResampler& place, int targetSide, int sourceSi
     return all;
 }
 
-} // namespace
-
-double MKResampler::reach(double step) {
-    return 2 * std::max(1.0, step) + 1;
-}
-
-void MKResampler::scale(const MKFloatPicture& source, const MKResampler& horizontal, const MKResampler& vertical,
-                        MKFloatPicture& target) {
-    const std::vector<Taps> columns = tapsFor(horizontal, target.side, source.side);
-    const std::vector<Taps> rows = tapsFor(vertical, target.side, source.side);
-    const auto channels = static_cast<size_t>(source.channels);
-    const size_t rowLength = static_cast<size_t>(target.side) * channels;
-    std::vector<float> across(static_cast<size_t>(source.side) * rowLength); // source rows, target columns
-    for (int y = 0; y < source.side; ++y) {
-        float* out = &across[static_cast<size_t>(y) * rowLength];
-        for (const Taps& taps : columns) {
-            const float* in = source.at(taps.first, y);
-            for (const float weight : taps.weights) {
-                for (size_t channel = 0; channel < channels; ++channel) {
-                    out[channel] += weight * in[channel];
-                }
-                in += channels;
-            }
-            out += channels;
-        }
-    }
-    for (int y = 0; y < target.side; ++y) {
-        const Taps& taps = rows[static_cast<size_t>(y)];
-        float* const out = target.at(0, y);
-        std::fill(out, out + rowLength, 0.0f);
-        const float* in = &across[static_cast<size_t>(taps.first) * rowLength];
+template <int Channels>
+void MKResampler<Channels>::scaleRow(const float* row, float* scaled) const {
+    for (const Taps& taps : _columns) {
+        const float* in = row + static_cast<size_t>(taps.first) * Channels;
+        float sums[Channels] = {};
         for (const float weight : taps.weights) {
-            for (size_t i = 0; i < rowLength; ++i) {
-                out[i] += weight * in[i];
+            for (int channel = 0; channel < Channels; ++channel) {
+                sums[channel] += weight * in[channel];
             }
-            in += rowLength;
+            in += Channels;
         }
+        std::copy_n(sums, Channels, scaled);
+        scaled += Channels;
     }
 }
+
+template <int Channels>
+void MKResampler<Channels>::run(const Source& source, const Target& target) const {
+    const size_t rowLength = static_cast<size_t>(_across.targetSide) * Channels;
+    // As many rows as one row of the target looks at, each at its number modulo theirs.
+    size_t kept = 1;
+    for (const Taps& taps : _rows) {
+        kept = std::max(kept, taps.weights.size());
+    }
+    std::vector<float> sourceRow(static_cast<size_t>(_across.sourceSide) * Channels), rows(kept * rowLength),
+        sums(rowLength);
+    int next = 0; // the first row of the source that was not scaled
+    for (int y = 0; y < _down.targetSide; ++y) {
+        const Taps& taps = _rows[static_cast<size_t>(y)];
+        const int end = taps.first + static_cast<int>(taps.weights.size());
+        for (next = std::max(next, taps.first); next < end; ++next) {
+            source(next, sourceRow.data());
+            scaleRow(sourceRow.data(), &rows[static_cast<size_t>(next) % kept * rowLength]);
+        }
+        std::fill(sums.begin(), sums.end(), 0.0f);
+        for (size_t k = 0; k < taps.weights.size(); ++k) {
+            const float weight = taps.weights[k];
+            const float* const row = &rows[(static_cast<size_t>(taps.first) + k) % kept * rowLength];
+            for (size_t i = 0; i < rowLength; ++i) {
+                sums[i] += weight * row[i];
+            }
+        }
+        target(y, sums.data());
+    }
+}
+
+template class MKResampler<4>;
+template class MKResampler<8>;
 
 } // namespace veyra

@@ -1,39 +1,47 @@
-// Scales a picture to a square of another size with a smooth filter, along one axis after the other. Used on one
-// thread.
+// Scales a picture to another size with a smooth filter, row by row, so that neither the whole source nor the whole
+// target need be at hand. Used on one thread.
 #pragma once
 
-#include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace veyra {
 
-/// Channels of floats, row by row.
-struct MKFloatPicture {
-    int side = 0;
-    int channels = 0;
-    std::vector<float> values;
-
-    MKFloatPicture(int pixels, int channelCount)
-        : side(pixels), channels(channelCount),
-          values(static_cast<size_t>(pixels) * static_cast<size_t>(pixels) * static_cast<size_t>(channelCount)) {}
-    float* at(int x, int y) {
-        return &values[(static_cast<size_t>(y) * static_cast<size_t>(side) + static_cast<size_t>(x)) *
-                       static_cast<size_t>(channels)];
-    }
-    const float* at(int x, int y) const { return const_cast<MKFloatPicture*>(this)->at(x, y); }
-};
-
 /// Where the target lies in the source along one axis: the middle of target pixel i is at (i + 0.5) * step + start in
-/// the source's pixels. The source reaches at least MKResampler::reach(step) pixels further on both sides.
-struct MKResampler {
+/// the source's pixels.
+struct MKResampledAxis {
     double start = 0;
     double step = 1; ///< source pixels a target pixel, at most 2
+    int targetSide = 0, sourceSide = 0;
 
-    /// How far from a place the filter looks, in source pixels.
+    /// How far beyond the target's edges the filter looks, in source pixels.
     static double reach(double step);
-    /// `target` has the source's channels.
-    static void scale(const MKFloatPicture& source, const MKResampler& horizontal, const MKResampler& vertical,
-                      MKFloatPicture& target);
+};
+
+/// `Channels` floats a pixel; 4 and 8 are there.
+template <int Channels>
+class MKResampler {
+public:
+    /// Fills row `y` of the source.
+    using Source = std::function<void(int y, float* row)>;
+    /// Takes row `y` of the target; valid during the call.
+    using Target = std::function<void(int y, const float* row)>;
+
+    MKResampler(const MKResampledAxis& across, const MKResampledAxis& down);
+    /// Asks for each row of the source that it needs once, from the top, and gives each row of the target once, from
+    /// the top. What those throw is passed on.
+    void run(const Source& source, const Target& target) const;
+
+private:
+    struct Taps {
+        int first = 0;
+        std::vector<float> weights;
+    };
+    static std::vector<Taps> tapsFor(const MKResampledAxis& axis);
+    void scaleRow(const float* row, float* scaled) const;
+
+    const MKResampledAxis _across, _down;
+    const std::vector<Taps> _columns, _rows;
 };
 
 } // namespace veyra

@@ -25,7 +25,9 @@ std::vector<unsigned char> record(unsigned char kind, unsigned char flags, unsig
                                         0,    0,     0,    8,    // x: half of the world
                                         0,    0,     0,    4,    // y: a quarter
                                         5,    0,     0,    0};
-    bytes.insert(bytes.end(), text.begin(), text.end());
+    for (const char character : text) {
+        bytes.push_back(static_cast<unsigned char>(character));
+    }
     return bytes;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Classes/VeyraView.h"
+#include "Platform/CoreLocation/CLLocationProvider.h"
 #include "Platform/UIKit/UIWindow.h"
 #include "Platform/WebKit/WebPlugInContainer.h"
 
@@ -17,6 +18,7 @@ struct PlugInElement {
     std::string baseURL;
     std::shared_ptr<WebFrame> frame;
     double screenScale = 1; ///< device pixels a point
+    std::shared_ptr<CLLocationProvider> locationProvider; ///< null: the user cannot be located
 };
 
 class PlugInInstance : public std::enable_shared_from_this<PlugInInstance> {

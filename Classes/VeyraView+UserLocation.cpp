@@ -46,7 +46,8 @@ void VeyraView::setShowsUserLocation(bool shows) {
 
 void VeyraView::askForLocation() {
     const auto arguments = pluginArguments();
-    const auto container = arguments ? arguments->objectForKey(WebPlugInContainerKey).as<WebPlugInContainer>() : nullptr;
+    const auto container =
+        arguments ? arguments->objectForKey(WebPlugInContainerKey).as<WebPlugInContainer>() : nullptr;
     const auto frame = container ? container->webFrame() : nullptr;
     const auto webView = frame ? frame->webView() : nullptr;
     const auto delegate = webView ? webView->UIDelegate() : nullptr;

@@ -17,7 +17,7 @@ struct PlugInElement {
     std::map<std::string, std::string> attributes; ///< attributes and parameters, names in lower case
     std::string baseURL;
     std::shared_ptr<WebFrame> frame;
-    double screenScale = 1; ///< device pixels a point
+    double screenScale = 1;                               ///< device pixels a point
     std::shared_ptr<CLLocationProvider> locationProvider; ///< null: the user cannot be located
 };
 

@@ -61,23 +61,21 @@ void addLocation(CLI::App& command, CommandLine& line, const char* whoIsAsked) {
         ->transform(CLI::CheckedTransformer(policies).description(""))
         ->type_name("ask|allow|deny")
         ->option_text("ask|allow|deny");
-    CLI::Option* place = command
-                             .add_option_function<std::string>(
-                                 "--location",
-                                 [&line](const std::string& text) {
-                                     line.location = checkedTrack(readLocation, text, "--location");
-                                 },
-                                 "where the user is said to be (degrees, metres)")
-                             ->type_name("LAT,LON[,ACCURACY[,ALTITUDE]]");
-    CLI::Option* track = command
-                             .add_option_function<std::string>(
-                                 "--location-track",
-                                 [&line](const std::string& path) {
-                                     line.location = checkedTrack(readGPX, path, "--location-track");
-                                 },
-                                 "a recorded track that the user is said to follow")
-                             ->type_name("F.gpx")
-                             ->excludes(place);
+    CLI::Option* place =
+        command
+            .add_option_function<std::string>(
+                "--location",
+                [&line](const std::string& text) { line.location = checkedTrack(readLocation, text, "--location"); },
+                "where the user is said to be (degrees, metres)")
+            ->type_name("LAT,LON[,ACCURACY[,ALTITUDE]]");
+    CLI::Option* track =
+        command
+            .add_option_function<std::string>(
+                "--location-track",
+                [&line](const std::string& path) { line.location = checkedTrack(readGPX, path, "--location-track"); },
+                "a recorded track that the user is said to follow")
+            ->type_name("F.gpx")
+            ->excludes(place);
     command.add_option("--speed", line.locationSpeed, "how many times faster than recorded (1)")
         ->type_name("N")
         ->check(CLI::Range(1e-3, 1e6))

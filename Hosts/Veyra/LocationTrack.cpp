@@ -13,11 +13,12 @@ namespace {
 constexpr double unknownAltitudeAccuracy = -1; // what a location without an altitude has
 constexpr double metersPerDilution = 5;        // of a good receiver under open sky
 
-/// The whole text as a finite number, in the C locale.
+/// The whole text as a finite decimal number, in the C locale.
 std::optional<double> readNumber(const std::string& text) {
     char* end = nullptr;
     const double number = g_ascii_strtod(text.c_str(), &end);
-    if (text.empty() || g_ascii_isspace(text[0]) || *end || !std::isfinite(number))
+    if (text.empty() || text.find_first_not_of("+-.0123456789eE") != std::string::npos || *end ||
+        !std::isfinite(number))
         return std::nullopt;
     return number;
 }
@@ -139,7 +140,8 @@ LocationTrack readGPX(const std::string& path, std::string& problem) {
     }
     const GMarkupParser parser{startElement, endElement, addText, nullptr, nullptr};
     GPXReader reader;
-    GMarkupParseContext* context = g_markup_parse_context_new(&parser, G_MARKUP_PREFIX_ERROR_POSITION, &reader, nullptr);
+    GMarkupParseContext* context =
+        g_markup_parse_context_new(&parser, G_MARKUP_PREFIX_ERROR_POSITION, &reader, nullptr);
     GError* error = nullptr;
     const bool isRead = g_markup_parse_context_parse(context, content, static_cast<gssize>(length), &error) &&
                         g_markup_parse_context_end_parse(context, &error);

@@ -57,8 +57,8 @@ std::string placeOf(WebKitWebView* view) {
 }
 
 void askAboutGeolocation(WebKitWebView* view, std::function<void(bool)> answered) {
-    askInBar(GTK_BOX(gtk_widget_get_parent(GTK_WIDGET(view))), placeOf(view) + " wants to know where you are.", "_Allow",
-             "_Deny", std::move(answered));
+    askInBar(GTK_BOX(gtk_widget_get_parent(GTK_WIDGET(view))), placeOf(view) + " wants to know where you are.",
+             "_Allow", "_Deny", std::move(answered));
 }
 
 /// The window shows the view, below a place for questions, and ends with it; closing it ends the program.

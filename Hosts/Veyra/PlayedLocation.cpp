@@ -12,8 +12,8 @@ void PlayedLocation::startUpdatingLocation(Handlers handlers) {
     if (!_knowsLocation) {
         dispatch_async(dispatch_get_main_queue(), [self = shared_from_this(), start, failed = handlers.didFail] {
             if (self->_starts == start)
-                failed(std::make_shared<NSError>(NSString(kCLErrorDomain), kCLErrorLocationUnknown,
-                                                 NSDictionary::Map()));
+                failed(
+                    std::make_shared<NSError>(NSString(kCLErrorDomain), kCLErrorLocationUnknown, NSDictionary::Map()));
         });
         return;
     }

@@ -12,8 +12,7 @@ class MapElement : public std::enable_shared_from_this<MapElement> {
 public:
     /// Makes and starts the view for an element. `surface` is its MapSurface, in `context`. Null when no view could be
     /// made.
-    static std::shared_ptr<MapElement> start(PlugInElement element, JSGlobalContextRef context,
-                                             JSObjectRef surface);
+    static std::shared_ptr<MapElement> start(PlugInElement element, JSGlobalContextRef context, JSObjectRef surface);
     ~MapElement();
     /// Stops and frees the view. Further calls do nothing.
     void stop();

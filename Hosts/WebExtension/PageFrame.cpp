@@ -85,7 +85,8 @@ void PageFrame::installSurfaces() {
     if (const auto stale = ScriptContext::existing(_pageContext))
         stale->invalidate();
     _scriptContext = ScriptContext::of(_pageContext, global);
-    _webFrame = std::make_shared<WebFrame>(_scriptContext, std::make_shared<WebView>(std::make_shared<PageUIDelegate>(weak_from_this())));
+    _webFrame = std::make_shared<WebFrame>(
+        _scriptContext, std::make_shared<WebView>(std::make_shared<PageUIDelegate>(weak_from_this())));
 }
 
 void PageFrame::installNames() {

@@ -18,7 +18,8 @@ void PageUIDelegate::webViewDecidePolicyForGeolocationRequestFromOriginFrameList
         return;
     if (const auto frame = _frame.lock()) {
         const auto& maps = frame->maps();
-        const auto found = std::find_if(maps.begin(), maps.end(), [&](const auto& map) { return map->view() == asking; });
+        const auto found =
+            std::find_if(maps.begin(), maps.end(), [&](const auto& map) { return map->view() == asking; });
         if (found != maps.end()) {
             (*found)->location().ask(asking);
             return;

@@ -20,7 +20,7 @@ class CLLocationProvider {
 public:
     struct Handlers {
         std::function<void(const std::shared_ptr<const CLLocation>&)> didUpdate; ///< each new position
-        std::function<void(const std::shared_ptr<NSError>&)> didFail;      ///< positions may follow nevertheless
+        std::function<void(const std::shared_ptr<NSError>&)> didFail;            ///< positions may follow nevertheless
     };
 
     virtual ~CLLocationProvider() = default;

@@ -53,8 +53,8 @@ void MKMapView::startLocating() {
         return; // the delegate has thought otherwise
     }
     if (!_locationProvider) {
-        userNotLocated(std::make_shared<NSError>(NSString(kCLErrorDomain), kCLErrorLocationUnknown,
-                                                 NSDictionary::Map()));
+        userNotLocated(
+            std::make_shared<NSError>(NSString(kCLErrorDomain), kCLErrorLocationUnknown, NSDictionary::Map()));
         return;
     }
     const auto weak = weak_from_this();
@@ -112,8 +112,7 @@ bool MKMapView::isUserLocationVisible() const {
     }
     const CLLocationCoordinate2D place = location->coordinate();
     const MKMapPoint center = MKMapPointForCoordinate(place);
-    const double radius =
-        std::max(location->horizontalAccuracy(), 0.0) * MKMapPointsPerMeterAtLatitude(place.latitude);
+    const double radius = std::max(location->horizontalAccuracy(), 0.0) * MKMapPointsPerMeterAtLatitude(place.latitude);
     const MKMapRect visible = visibleMapRect();
     // The distance from the circle's centre to the visible rectangle; the world repeats to both sides.
     const double middle = MKMapRectGetMidX(visible);

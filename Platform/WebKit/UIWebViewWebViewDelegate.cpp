@@ -7,8 +7,7 @@ namespace veyra {
 Class UIWebViewWebViewDelegate::classObject() {
     static Class cls = new ClassObject(
         "UIWebViewWebViewDelegate", NSObject::classObject(),
-        {bindMethod<
-            &UIWebViewWebViewDelegate::webViewDecidePolicyForGeolocationRequestFromOriginFrameListener>(
+        {bindMethod<&UIWebViewWebViewDelegate::webViewDecidePolicyForGeolocationRequestFromOriginFrameListener>(
             "webView:decidePolicyForGeolocationRequestFromOrigin:frame:listener:")});
     return cls;
 }

@@ -233,9 +233,9 @@ TEST_F(UserLocation, EachPositionIsOneEventWithItsOwnObject) {
 TEST_F(UserLocation, IsVisibleWhenItsCircleMeetsTheMap) {
     showUser();
     for (const auto& [latitude, longitude, accuracy, expected] :
-         {std::tuple(0.0, 0.0, 0.0, "true"), std::tuple(60.0, 0.0, 1000.0, "false"),
-          std::tuple(60.0, 0.0, 9e6, "true"), std::tuple(0.0, 180.0, 1000.0, "false"),
-          std::tuple(0.0, 360.0, 0.0, "true"), std::tuple(0.0, 0.0, -1.0, "true")}) {
+         {std::tuple(0.0, 0.0, 0.0, "true"), std::tuple(60.0, 0.0, 1000.0, "false"), std::tuple(60.0, 0.0, 9e6, "true"),
+          std::tuple(0.0, 180.0, 1000.0, "false"), std::tuple(0.0, 360.0, 0.0, "true"),
+          std::tuple(0.0, 0.0, -1.0, "true")}) {
         locate(latitude, longitude, accuracy);
         EXPECT_EQ(visible(), expected) << latitude << ' ' << longitude << ' ' << accuracy;
     }

@@ -14,6 +14,15 @@ uint32_t scaled(uint32_t pixel, uint32_t factor) {
     return (((low >> 8 & 0x00ff00ff) + low) >> 8 & 0x00ff00ff) | (((high >> 8 & 0x00ff00ff) + high) & 0xff00ff00);
 }
 
+// How many bits each byte has; the baseline processor has no instruction for it.
+constexpr std::array<uint8_t, 256> bitCounts = [] {
+    std::array<uint8_t, 256> counts{};
+    for (size_t i = 0; i < counts.size(); ++i) {
+        counts[i] = static_cast<uint8_t>(std::popcount(i));
+    }
+    return counts;
+}();
+
 // Puts the marked pixels of `source` behind those of `target`.
 void blendBehind(uint32_t* target, const uint32_t* source, uint64_t marked) {
     while (marked != 0) {
@@ -37,16 +46,32 @@ void MKSpriteTile::clear() {
     for (auto& row : _open) {
         row.fill(blockSide * blockSide);
     }
+    _fullBlocks.fill(0);
     _extent = {};
 }
 
 void MKSpriteTile::drawBehind(const MKSprite& sprite, int x, int y) {
     const PixelRect rect = intersection(PixelRect{x, y, sprite.width(), sprite.height()}, PixelRect{0, 0, side, side});
-    if (rect.isEmpty() || isHidden(rect)) {
+    if (rect.isEmpty()) {
         return;
     }
-    for (int row = rect.y; row < rect.maxY(); ++row) {
-        drawRowBehind(sprite, row - y, x, row);
+    const int firstBlock = rect.x / blockSide, lastBlock = (rect.maxX() - 1) / blockSide;
+    const uint32_t touched = (~uint32_t{0} >> (blocks - 1 - lastBlock)) & (~uint32_t{0} << firstBlock);
+    bool isSeen = false;
+    for (int row = rect.y; row < rect.maxY();) {
+        const int block = row / blockSide;
+        const int end = std::min(rect.maxY(), (block + 1) * blockSide);
+        if ((touched & ~_fullBlocks[static_cast<size_t>(block)]) == 0) {
+            row = end;
+            continue;
+        }
+        isSeen = true;
+        for (; row < end; ++row) {
+            drawRowBehind(sprite, row - y, x, row);
+        }
+    }
+    if (!isSeen) {
+        return;
     }
     if (_extent.isEmpty()) {
         _extent = rect;
@@ -55,17 +80,6 @@ void MKSpriteTile::drawBehind(const MKSprite& sprite, int x, int y) {
         _extent = {left, top, std::max(_extent.maxX(), rect.maxX()) - left,
                    std::max(_extent.maxY(), rect.maxY()) - top};
     }
-}
-
-bool MKSpriteTile::isHidden(const PixelRect& rect) const {
-    for (int y = rect.y / blockSide; y <= (rect.maxY() - 1) / blockSide; ++y) {
-        for (int x = rect.x / blockSide; x <= (rect.maxX() - 1) / blockSide; ++x) {
-            if (_open[static_cast<size_t>(y)][static_cast<size_t>(x)] > 0) {
-                return false;
-            }
-        }
-    }
-    return true;
 }
 
 void MKSpriteTile::drawRowBehind(const MKSprite& sprite, int row, int x, int y) {
@@ -109,10 +123,13 @@ void MKSpriteTile::cover(int y, int word, uint64_t bits) {
         return;
     }
     _covered[static_cast<size_t>(y)][static_cast<size_t>(word)] |= bits;
-    auto* const open = &_open[static_cast<size_t>(y / blockSide)][static_cast<size_t>(word * 64 / blockSide)];
-    for (int block = 0; block < 64 / blockSide; ++block) {
-        const uint64_t part = bits >> (block * blockSide) & ((uint64_t{1} << blockSide) - 1);
-        open[block] = static_cast<uint16_t>(open[block] - std::popcount(part));
+    const auto row = static_cast<size_t>(y / blockSide);
+    const auto firstBlock = static_cast<size_t>(word * 64 / blockSide);
+    for (size_t block = firstBlock; bits != 0; ++block, bits >>= blockSide) {
+        _open[row][block] = static_cast<uint8_t>(_open[row][block] - bitCounts[bits & 255]);
+        if (_open[row][block] == 0) {
+            _fullBlocks[row] |= uint32_t{1} << block;
+        }
     }
 }
 

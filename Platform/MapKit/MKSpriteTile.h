@@ -27,18 +27,18 @@ public:
 
 private:
     static constexpr int words = side / 64;
-    static constexpr int blockSide = 16;
+    static constexpr int blockSide = 8;
     static constexpr int blocks = side / blockSide;
 
-    bool isHidden(const PixelRect& rect) const;
     void drawRowBehind(const MKSprite& sprite, int row, int x, int y);
     void cover(int y, int word, uint64_t bits);
 
     std::unique_ptr<uint32_t[]> _pixels;
     // Pixels that are opaque; a word more in each row, so that a mask may reach beyond the end.
     std::array<std::array<uint64_t, words + 1>, side> _covered;
-    // Of squares of 16 x 16 pixels: how many are not covered yet.
-    std::array<std::array<uint16_t, blocks>, blocks> _open;
+    // Of blocks of 8 x 8 pixels: how many pixels are not covered yet, and, a bit a block, whether there are none.
+    std::array<std::array<uint8_t, blocks>, blocks> _open;
+    std::array<uint32_t, blocks> _fullBlocks;
     PixelRect _extent;
 };
 

@@ -3,6 +3,7 @@
 
 #include "Platform/CoreLocation/CLLocationProvider.h"
 #include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
 #include "Platform/MapKit/MKMotion.h"
 #include "Platform/MapKit/MKTileLayer.h"
@@ -34,6 +35,8 @@ void MKMapView::initWithFrame(const CGRect& frame) {
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason) { tileFailed(reason); });
     addRecognizers();
+    _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
+    addSubview(_annotationContainer);
 }
 
 void MKMapView::setMapType(MKMapType mapType) {

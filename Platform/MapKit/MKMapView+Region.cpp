@@ -162,6 +162,7 @@ void MKMapView::moveCamera(const MKCamera& camera) {
         _camera = camera;
         setNeedsDisplay();
     }
+    askForOverlaysThatCameIntoSight();
 }
 
 bool MKMapView::canAnimate() const {

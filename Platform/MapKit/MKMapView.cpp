@@ -4,6 +4,8 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKBasemapSource.h"
 #include "Platform/MapKit/MKMotion.h"
+#include "Platform/MapKit/MKOverlayLayer.h"
+#include "Platform/MapKit/MKOverlayList.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
 #include "Platform/UIKit/UIPinchGestureRecognizer.h"
@@ -26,6 +28,8 @@ void MKMapView::initWithFrame(const CGRect& frame) {
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason) { tileFailed(reason); });
+    _overlays = std::make_unique<MKOverlayList>();
+    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
     addRecognizers();
 }
 

@@ -4,10 +4,13 @@
 #include "Platform/Foundation/NSError.h"
 
 #include <memory>
+#include <vector>
 
 namespace veyra {
 
 class MKMapView;
+class MKOverlay;
+class MKOverlayView;
 
 class MKMapViewDelegate {
 public:
@@ -25,6 +28,13 @@ public:
     virtual void mapViewRegionWillChangeAnimated(MKMapView&, bool /*animated*/) {}
     /// The change has ended; the centre's longitude is in [-180, 180).
     virtual void mapViewRegionDidChangeAnimated(MKMapView&, bool /*animated*/) {}
+
+    /// An overlay has come into sight for the first time since it was added: how is it drawn? Null: not at all.
+    virtual std::shared_ptr<MKOverlayView> mapViewViewForOverlay(MKMapView&, const std::shared_ptr<MKOverlay>&) {
+        return nullptr;
+    }
+    /// Overlays' views have been added, in drawing order; never an empty list.
+    virtual void mapViewDidAddOverlayViews(MKMapView&, const std::vector<std::shared_ptr<MKOverlayView>>&) {}
 };
 
 } // namespace veyra

@@ -65,6 +65,9 @@ public:
     void releaseSlot(unsigned slot);
     /// `Object.defineProperty` as the page found it.
     JSObjectRef definePropertyFunction() const { return _defineProperty; }
+    /// The function that a source text (a constant of the program) stands for, compiled in the page at the first call
+    /// and kept; null when the page cannot compile it. It sees nothing of the page but what it is called with.
+    JSObjectRef helperFunction(const char* source);
     /// Live contexts of the process, for tests.
     static size_t liveContexts();
 
@@ -96,11 +99,12 @@ private:
     bool _suspended = false;
     int _callDepth = 0; // calls from and into scripts that are running
     bool _holderProtected = false;
-    JSObjectRef _holder = nullptr;         // lives in the keeper, or protected
-    JSObjectRef _slots = nullptr;          // the array of kept values, in the holder
-    JSObjectRef _defineProperty = nullptr; // kept
-    JSObjectRef _console = nullptr;        // kept; may be null
-    JSObjectRef _consoleError = nullptr;   // kept; may be null
+    JSObjectRef _holder = nullptr;                         // lives in the keeper, or protected
+    JSObjectRef _slots = nullptr;                          // the array of kept values, in the holder
+    JSObjectRef _defineProperty = nullptr;                 // kept
+    JSObjectRef _console = nullptr;                        // kept; may be null
+    JSObjectRef _consoleError = nullptr;                   // kept; may be null
+    std::unordered_map<const char*, JSObjectRef> _helpers; // by source; kept
     unsigned _nextSlot = 0;
     std::vector<unsigned> _freeSlots;
 

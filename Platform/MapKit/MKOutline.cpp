@@ -8,8 +8,8 @@ namespace veyra {
 
 namespace {
 
-// How far off a line may be, in pixels.
-constexpr double vertexTolerance = 0.4;
+// How far off a line may be, in pixels. Vertices of a line that is longer than this are drawn at least twice as often.
+constexpr double vertexTolerance = 0.5;
 constexpr double arcTolerance = 0.05;
 
 // Places further off than this are moved here: no picture is so large, and differences of such numbers stay exact

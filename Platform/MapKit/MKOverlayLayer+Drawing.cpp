@@ -24,6 +24,7 @@ void MKOverlayLayer::draw(const UIGraphicsContext& context) const {
     const MKPixelPoint offset = offsetOf(*_image);
     cairo_t* const cairo = context.cairo;
     cairo_save(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
     cairo_identity_matrix(cairo);
     cairo_translate(cairo, std::lround(context.origin.x * context.scale),
                     std::lround(context.origin.y * context.scale));

@@ -1,24 +1,15 @@
 #include "Platform/MapKit/MKVertexList.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <limits>
 
 namespace veyra {
 
 namespace {
 
-// The smallest cells: 64 to a map point, a quarter of a pixel of the finest display at the innermost scale.
-constexpr double cellsPerMapPoint = 64;
-// Cells are told apart up to here; 2^44 cells are a thousand worlds.
-constexpr double farthestCell = 0x1p44;
-
-constexpr uint8_t always = 255;
-
-int64_t cellOf(double coordinate) {
-    return static_cast<int64_t>(std::floor(std::clamp(coordinate * cellsPerMapPoint, -farthestCell, farthestCell)));
-}
+// Importance: none for a vertex without a place, then one more than the levels that it matters at; first and last
+// always matter.
+constexpr uint8_t nowhere = 0, lowest = 1, always = 255;
 
 float roundedDown(double value) {
     const auto rounded = static_cast<float>(value);
@@ -32,6 +23,20 @@ float roundedUp(double value) {
 
 } // namespace
 
+void MKVertexList::Extent::add(MKMapPoint point) {
+    minX = std::min(minX, point.x);
+    minY = std::min(minY, point.y);
+    maxX = std::max(maxX, point.x);
+    maxY = std::max(maxY, point.y);
+}
+
+void MKVertexList::Extent::add(const Extent& other) {
+    minX = std::min(minX, other.minX);
+    minY = std::min(minY, other.minY);
+    maxX = std::max(maxX, other.maxX);
+    maxY = std::max(maxY, other.maxY);
+}
+
 MKVertexList::MKVertexList(std::span<const CLLocationCoordinate2D> coordinates) {
     for (const CLLocationCoordinate2D& coordinate : coordinates) {
         append(coordinate);
@@ -44,65 +49,51 @@ void MKVertexList::append(CLLocationCoordinate2D coordinate) {
         throw std::bad_alloc();
     }
     const MKMapPoint point = MKMapPointForCoordinate(coordinate);
-    if (size() % blockSize == 0) {
-        constexpr float infinity = std::numeric_limits<float>::infinity();
-        _blocks.append({infinity, infinity, -infinity, -infinity});
+    uint8_t importance = nowhere;
+    if (std::isfinite(point.x) && std::isfinite(point.y)) {
+        importance = _last ? static_cast<uint8_t>(lowest + _ranker.rank(point)) : always;
+        if (!_last) {
+            _ranker.rank(point);
+        }
+        _last = size();
+        _blockExtent.add(point);
     }
-    const bool hasPlace = std::isfinite(point.x) && std::isfinite(point.y);
-    _importances.append(hasPlace ? importanceOf(point) : 0);
+    _importances.append(importance);
     _points.append(point);
-    if (hasPlace) {
-        extendBounds(point);
-        _last = size() - 1;
+    if (size() % blockSize == 0) {
+        completeBlock();
     }
 }
 
+void MKVertexList::completeBlock() {
+    _blocks.append({roundedDown(_blockExtent.minX), roundedDown(_blockExtent.minY), roundedUp(_blockExtent.maxX),
+                    roundedUp(_blockExtent.maxY)});
+    _extent.add(_blockExtent);
+    _blockExtent = {};
+}
+
 void MKVertexList::complete() {
-    if (_hasPlace) {
-        _importances[_last] = always;
+    if (size() % blockSize != 0) {
+        completeBlock();
+    }
+    if (_last) {
+        _importances[*_last] = always;
     }
     _points.complete();
     _importances.complete();
     _blocks.complete();
 }
 
-uint8_t MKVertexList::importanceOf(MKMapPoint point) {
-    const int64_t x = cellOf(point.x), y = cellOf(point.y);
-    const auto difference = static_cast<uint64_t>((x ^ _lastX) | (y ^ _lastY));
-    _lastX = x;
-    _lastY = y;
-    return _hasPlace ? static_cast<uint8_t>(1 + std::bit_width(difference)) : always;
-}
-
-void MKVertexList::extendBounds(MKMapPoint point) {
-    if (!_hasPlace) {
-        _hasPlace = true;
-        _minX = _maxX = point.x;
-        _minY = _maxY = point.y;
-    }
-    _minX = std::min(_minX, point.x);
-    _maxX = std::max(_maxX, point.x);
-    _minY = std::min(_minY, point.y);
-    _maxY = std::max(_maxY, point.y);
-    BlockBounds& block = _blocks.back();
-    block.minX = std::min(block.minX, roundedDown(point.x));
-    block.minY = std::min(block.minY, roundedDown(point.y));
-    block.maxX = std::max(block.maxX, roundedUp(point.x));
-    block.maxY = std::max(block.maxY, roundedUp(point.y));
-}
-
 MKMapRect MKVertexList::bounds() const {
-    return _hasPlace ? MKMapRectMake(_minX, _minY, _maxX - _minX, _maxY - _minY) : MKMapRectNull;
+    if (!_last) {
+        return MKMapRectNull;
+    }
+    return MKMapRectMake(_extent.minX, _extent.minY, _extent.maxX - _extent.minX, _extent.maxY - _extent.minY);
 }
 
 uint8_t MKVertexList::leastImportance(double tolerance) {
-    // The side of the largest cells whose diagonal is within the tolerance is 2^level of the smallest.
-    const double side = tolerance * cellsPerMapPoint / std::sqrt(2.0);
-    if (!(side >= 1)) {
-        return 1;
-    }
-    const int level = std::min(std::ilogb(side), 60);
-    return static_cast<uint8_t>(level + 2);
+    const double levels = std::floor(std::log2(tolerance / MKVertexRanker::finest)) + 1; // that are within it
+    return levels > 0 ? static_cast<uint8_t>(lowest + std::min<double>(levels, MKVertexRanker::levels)) : lowest;
 }
 
 } // namespace veyra

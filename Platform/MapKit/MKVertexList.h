@@ -2,16 +2,17 @@
 // vertex and bounds for each block of them. 17.2 bytes a vertex. Built on one thread; immutable and free to share once
 // it is complete.
 //
-// Importance: the world is divided into square cells, at every level twice as large as at the one below. A vertex
-// matters at a level when it lies in another cell than the vertex before it. So the highest level at which it matters
-// follows from the highest bit in which the two places differ, whatever comes before and after; a line drawn through
-// the vertices that matter is nowhere further from the true one than the diagonal of a cell.
+// A vertex's importance is how many levels of detail it matters at (MKVertexRanker): at a coarse scale only the few
+// important ones are drawn.
 #pragma once
 
 #include "Platform/MapKit/MKGeometry.h"
 #include "Platform/MapKit/MKTrivialArray.h"
+#include "Platform/MapKit/MKVertexRanker.h"
 
 #include <cstdint>
+#include <limits>
+#include <optional>
 
 namespace veyra {
 
@@ -47,21 +48,25 @@ public:
     MKMapRect bounds() const;
     size_t byteSize() const { return _points.byteSize() + _importances.byteSize() + _blocks.byteSize(); }
 
-    /// The least importance of the vertices to draw so that the line is nowhere further off than `tolerance` map
-    /// points.
+    /// The least importance of the vertices to draw so that those left out are less than `tolerance` map points, on
+    /// either axis, from one that is drawn.
     static uint8_t leastImportance(double tolerance);
 
 private:
-    uint8_t importanceOf(MKMapPoint point);
-    void extendBounds(MKMapPoint point);
+    /// Extents in the course of being found out.
+    struct Extent {
+        double minX = std::numeric_limits<double>::infinity(), minY = minX, maxX = -minX, maxY = -minX;
+        void add(MKMapPoint point);
+        void add(const Extent& other);
+    };
+    void completeBlock();
 
     MKTrivialArray<MKMapPoint> _points;
     MKTrivialArray<uint8_t> _importances;
     MKTrivialArray<BlockBounds> _blocks;
-    double _minX = 0, _minY = 0, _maxX = 0, _maxY = 0;
-    bool _hasPlace = false;
-    int64_t _lastX = 0, _lastY = 0; // of the last vertex with a place, in the smallest cells
-    size_t _last = 0;               // its index
+    Extent _extent, _blockExtent; // of the complete blocks, and of the one that is growing
+    MKVertexRanker _ranker;
+    std::optional<size_t> _last; // with a place
 };
 
 } // namespace veyra

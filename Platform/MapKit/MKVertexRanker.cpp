@@ -1,6 +1,7 @@
 #include "Platform/MapKit/MKVertexRanker.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace veyra {
@@ -15,27 +16,30 @@ double distance(double fromX, double fromY, MKMapPoint to) {
     return std::max(std::abs(to.x - fromX), std::abs(to.y - fromY));
 }
 
-} // namespace
-
-MKVertexRanker::MKVertexRanker() : _x{}, _y{}, _due{}, _groupDue{} {
-    for (int level = 0; level < levels; ++level) {
-        _size[static_cast<size_t>(level)] = std::ldexp(finest, level);
-    }
+/// 2^exponent.
+double powerOfTwo(int exponent) {
+    return std::bit_cast<double>(static_cast<uint64_t>(1023 + exponent) << 52);
 }
+
+/// The exponent of a normal number that is not negative.
+int exponentOf(double value) {
+    return static_cast<int>(std::bit_cast<uint64_t>(value) >> 52) - 1023;
+}
+
+} // namespace
 
 int MKVertexRanker::rank(MKMapPoint point) {
     point = {std::clamp(point.x, -farthest, farthest), std::clamp(point.y, -farthest, farthest)};
-    if (!_hasBegun) {
-        _hasBegun = true;
+    if (_count == 0) {
         _before = point;
         restart(point, levels - 1);
         return levels;
     }
     _length += distance(_before.x, _before.y, point);
     _before = point;
-    for (int group = groups - 1; group >= 0; --group) {
-        if (_length >= _groupDue[static_cast<size_t>(group)]) {
-            const int level = crossedLevel(point, group);
+    for (int entry = 0; entry < _count; ++entry) {
+        if (_length >= _entries[static_cast<size_t>(entry)].due) {
+            const int level = crossedLevel(point, entry);
             if (level >= 0) {
                 restart(point, level);
                 return level + 1;
@@ -45,48 +49,30 @@ int MKVertexRanker::rank(MKMapPoint point) {
     return 0;
 }
 
-/// The highest level of the group at which the vertex matters, or -1.
-int MKVertexRanker::crossedLevel(MKMapPoint point, int group) {
-    for (int level = (group + 1) * groupSize - 1; level >= group * groupSize; --level) {
-        const auto i = static_cast<size_t>(level);
-        if (_length >= _due[i]) {
-            const double away = distance(_x[i], _y[i], point);
-            if (away >= _size[i]) {
-                return level;
-            }
-            _due[i] = _length + (_size[i] - away);
-        }
+/// The highest level of the entry at which the vertex matters, or -1.
+int MKVertexRanker::crossedLevel(MKMapPoint point, int entry) {
+    Entry& last = _entries[static_cast<size_t>(entry)];
+    const int lowest = lowestOf(entry);
+    const double away = distance(last.x, last.y, point), needed = finest * powerOfTwo(lowest);
+    if (away >= needed) {
+        return std::min(last.highest, exponentOf(away / finest));
     }
-    updateGroup(group);
+    last.due = _length + (needed - away);
     return -1;
 }
 
 /// The vertex matters at that level and all lower ones.
 void MKVertexRanker::restart(MKMapPoint point, int upTo) {
     if (_length > longest) {
-        for (double& due : _due) {
-            due -= _length;
+        for (Entry& entry : _entries) {
+            entry.due -= _length;
         }
         _length = 0;
-        for (int group = 0; group < groups; ++group) {
-            updateGroup(group);
-        }
     }
-    for (size_t i = 0; i <= static_cast<size_t>(upTo); ++i) {
-        _x[i] = point.x;
-        _y[i] = point.y;
-        _due[i] = _length + _size[i];
+    while (_count > 0 && _entries[static_cast<size_t>(_count) - 1].highest <= upTo) {
+        --_count;
     }
-    const int group = upTo / groupSize;
-    for (int below = 0; below < group; ++below) {
-        _groupDue[static_cast<size_t>(below)] = _due[static_cast<size_t>(below * groupSize)];
-    }
-    updateGroup(group);
-}
-
-void MKVertexRanker::updateGroup(int group) {
-    const auto first = _due.begin() + group * groupSize;
-    _groupDue[static_cast<size_t>(group)] = *std::min_element(first, first + groupSize);
+    _entries[static_cast<size_t>(_count++)] = {point.x, point.y, _length + finest, upTo};
 }
 
 } // namespace veyra

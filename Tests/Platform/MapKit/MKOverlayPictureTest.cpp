@@ -2,8 +2,6 @@
 #include "Tests/Platform/MapKit/OverlayFixture.h"
 #include "Tests/Support/Picture.h"
 
-#include "Platform/MapKit/MKBasemapSource.h"
-
 #include <numbers>
 
 namespace veyra {
@@ -166,7 +164,6 @@ TEST_F(OverlayPicture, EachOrderingOperation) {
 }
 
 TEST_F(OverlayPicture, AcrossTheAntimeridianOnTheWholeWorld) {
-    map->setTileSource(MKBasemapSource::shared());
     show({512, 512});
     const auto route = line({{50, 140}, {55, 170}, {55, 190}, {45, 215}, {20, 235}});
     const auto zone = area({{-10, 160}, {-10, 200}, {-40, 200}, {-40, 160}});
@@ -180,7 +177,6 @@ TEST_F(OverlayPicture, AcrossTheAntimeridianOnTheWholeWorld) {
 }
 
 TEST_F(OverlayPicture, AcrossTheAntimeridianClose) {
-    map->setTileSource(MKBasemapSource::shared());
     show({512, 512});
     map->setRegion({{-17.4, 179.6}, {5, 5}});
     const auto track = line({{-18, 177}, {-16.5, 179}, {-17.5, 180.5}, {-16, 182}});

@@ -165,6 +165,7 @@ void MKMapView::moveCamera(const MKCamera& camera) {
         setNeedsDisplay();
         _annotationContainer->cameraDidChange();
     }
+    askForOverlaysThatCameIntoSight();
 }
 
 bool MKMapView::canAnimate() const {

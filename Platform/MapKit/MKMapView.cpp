@@ -6,6 +6,8 @@
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
 #include "Platform/MapKit/MKMotion.h"
+#include "Platform/MapKit/MKOverlayLayer.h"
+#include "Platform/MapKit/MKOverlayList.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
@@ -34,6 +36,8 @@ void MKMapView::initWithFrame(const CGRect& frame) {
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason) { tileFailed(reason); });
+    _overlays = std::make_unique<MKOverlayList>();
+    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
     addRecognizers();
     _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
     addSubview(_annotationContainer);

@@ -21,6 +21,9 @@ class CLLocationProvider;
 class DispatchTimer;
 class MKAnnotationContainerView;
 class MKMotion;
+class MKOverlay;
+class MKOverlayLayer;
+class MKOverlayList;
 class MKTileLayer;
 class MKTileSource;
 class UIPanGestureRecognizer;
@@ -107,6 +110,27 @@ public:
     /// True while a position is known and its circle of accuracy meets the visible area.
     bool isUserLocationVisible() const;
 
+    // Overlays, drawn over the base map in the order of their list. An overlay that is null or on the map already is
+    // not added again; one that is not on the map is not removed. The delegate is asked for an overlay's view when the
+    // bounding rectangle first meets the visible one, and hears of the views that were added once a turn of the main
+    // queue.
+
+    /// Back to front.
+    std::vector<std::shared_ptr<MKOverlay>> overlays() const;
+    void addOverlay(const std::shared_ptr<MKOverlay>& overlay);
+    void addOverlays(const std::vector<std::shared_ptr<MKOverlay>>& overlays);
+    void removeOverlay(const std::shared_ptr<MKOverlay>& overlay);
+    void removeOverlays(const std::vector<std::shared_ptr<MKOverlay>>& overlays);
+    /// An index beyond the end appends.
+    void insertOverlayAtIndex(const std::shared_ptr<MKOverlay>& overlay, uint64_t index);
+    /// Next to a sibling that is null or not on the map appends.
+    void insertOverlayAboveOverlay(const std::shared_ptr<MKOverlay>& overlay,
+                                   const std::shared_ptr<MKOverlay>& sibling);
+    void insertOverlayBelowOverlay(const std::shared_ptr<MKOverlay>& overlay,
+                                   const std::shared_ptr<MKOverlay>& sibling);
+    /// An index beyond the end is logged and changes nothing.
+    void exchangeOverlayAtIndexWithOverlayAtIndex(uint64_t first, uint64_t second);
+
     /// Where the map's picture comes from; at first the built-in world. Not null.
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
 
@@ -167,6 +191,12 @@ private:
     bool followScale();
     void queueReport(std::function<void(MKMapView&, MKMapViewDelegate&)> report);
 
+    // Overlays: MKMapView+Overlays.cpp
+    void overlaysChanged(bool changed);
+    void askForOverlaysThatCameIntoSight();
+    void queueOverlayUpdate();
+    void updateOverlays();
+
     std::weak_ptr<MKMapViewDelegate> _delegate;
     MKMapType _mapType = MKMapTypeStandard;
     bool _zoomEnabled = true;
@@ -211,6 +241,10 @@ private:
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
     unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate
+
+    std::unique_ptr<MKOverlayList> _overlays;
+    std::unique_ptr<MKOverlayLayer> _overlayLayer;
+    bool _overlayUpdateQueued = false;
 };
 
 } // namespace veyra

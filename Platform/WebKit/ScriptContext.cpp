@@ -156,6 +156,20 @@ void ScriptContext::setSuspended(bool suspended) {
         reclaimSlots();
 }
 
+JSObjectRef ScriptContext::helperFunction(const char* source) {
+    JSObjectRef& helper = _helperFunctions[source];
+    if (!helper && isUsable()) {
+        JSStringRef text = JSStringCreateWithUTF8CString(source);
+        const JSValueRef made = JSEvaluateScript(_context, text, nullptr, nullptr, 1, nullptr);
+        JSStringRelease(text);
+        if (made && JSValueIsObject(_context, made)) {
+            helper = JSValueToObject(_context, made, nullptr);
+            keep(helper);
+        }
+    }
+    return helper;
+}
+
 unsigned ScriptContext::keep(JSObjectRef object) {
     if (_freeSlots.empty())
         reclaimSlots();

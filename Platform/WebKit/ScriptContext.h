@@ -68,6 +68,9 @@ public:
     JSObjectRef definePropertyFunction() const { return _defineProperty; }
     /// Shortcuts through compiled script. The context is alive.
     ScriptHelpers& helpers() { return _helpers; }
+    /// The function that a source text (a constant of the program) stands for, compiled in the page at the first call
+    /// and kept; null when the page cannot compile it. It sees nothing of the page but what it is called with.
+    JSObjectRef helperFunction(const char* source);
     /// Live contexts of the process, for tests.
     static size_t liveContexts();
 
@@ -111,6 +114,7 @@ private:
     JSValueRef _toStringTag = nullptr;     // the symbol, which lives as long as the engine; may be null
     std::vector<std::shared_ptr<const ValueClass>> _valueClasses;
     ScriptHelpers _helpers{*this};
+    std::unordered_map<const char*, JSObjectRef> _helperFunctions; // by source; kept
     unsigned _nextSlot = 0;
     std::vector<unsigned> _freeSlots;
 

@@ -1,0 +1,15 @@
+#include "Platform/Foundation/NSURLRequest.h"
+
+namespace veyra {
+
+Class NSURLRequest::classObject() {
+    static Class cls = new ClassObject("NSURLRequest", NSObject::classObject(), {});
+    return cls;
+}
+
+std::shared_ptr<const NSURLRequest> NSURLRequest::requestWithURL(std::shared_ptr<const NSURL> url,
+                                                                 double timeoutInterval) {
+    return std::shared_ptr<const NSURLRequest>(new NSURLRequest(std::move(url), timeoutInterval));
+}
+
+} // namespace veyra

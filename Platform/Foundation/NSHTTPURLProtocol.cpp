@@ -5,6 +5,7 @@
 
 #include <libsoup/soup.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace veyra {
@@ -27,6 +28,20 @@ int64_t announcedLength(SoupMessage* message) {
     default:
         return NSURLResponseUnknownLength;
     }
+}
+
+std::map<std::string, std::string> headerFields(SoupMessage* message) {
+    std::map<std::string, std::string> fields;
+    SoupMessageHeadersIter iterator;
+    soup_message_headers_iter_init(&iterator, soup_message_get_response_headers(message));
+    const char *name = nullptr, *value = nullptr;
+    while (soup_message_headers_iter_next(&iterator, &name, &value)) {
+        std::string lowered = name;
+        std::transform(lowered.begin(), lowered.end(), lowered.begin(), g_ascii_tolower);
+        std::string& field = fields[lowered]; // a field that comes several times is a list
+        field += field.empty() ? value : std::string(", ") + value;
+    }
+    return fields;
 }
 
 /// True for a redirection that was not followed: one that leads to another kind of address.
@@ -54,7 +69,10 @@ void NSHTTPURLProtocol::startLoading() {
     _message = soup_message_new("GET", request().URL()->absoluteString().utf8().c_str());
     if (!_message) // an address without a host
         return failLater(NSURLErrorBadURL);
-    soup_message_headers_replace(soup_message_get_request_headers(_message), "Accept-Encoding", "identity");
+    SoupMessageHeaders* const headers = soup_message_get_request_headers(_message);
+    soup_message_headers_replace(headers, "Accept-Encoding", "identity");
+    for (const auto& [name, value] : request().allHTTPHeaderFields())
+        soup_message_headers_replace(headers, name.c_str(), value.c_str());
     // The handlers go with the message's owner.
     g_signal_connect(_message, "starting", G_CALLBACK(+[](SoupMessage*, gpointer self) {
                          static_cast<NSHTTPURLProtocol*>(self)->_connected = true;
@@ -126,7 +144,8 @@ void NSHTTPURLProtocol::gotStream(GInputStream* stream) {
     if (leadsElsewhere(_message))
         return fail(NSURLErrorUnsupportedURL);
     if (const auto listening = client())
-        listening->didReceiveResponse({announcedLength(_message), static_cast<int>(soup_message_get_status(_message))});
+        listening->didReceiveResponse(
+            {announcedLength(_message), static_cast<int>(soup_message_get_status(_message)), headerFields(_message)});
     if (!hasEnded())
         read();
 }

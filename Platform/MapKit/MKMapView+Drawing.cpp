@@ -7,6 +7,8 @@
 #include "Platform/UIKit/UIPinchGestureRecognizer.h"
 #include "Platform/UIKit/UIWindow.h"
 
+#include <algorithm>
+
 namespace veyra {
 
 namespace {
@@ -17,6 +19,9 @@ constexpr int errorUnknown = 1;
 // Two changes of the scale within this time are one movement, which ends when the scale has rested for as long.
 // Seconds.
 constexpr double scaleRest = 0.15;
+
+// Seconds before a source that failed is tried again: at first, and at most.
+constexpr double firstRetryRest = 5.0, longestRetryRest = 80;
 
 } // namespace
 
@@ -66,7 +71,7 @@ void MKMapView::tilesArrivedIn(const CGRect& area) {
     }
 }
 
-void MKMapView::tileFailed(const std::string& reason) {
+void MKMapView::tileFailed(const std::string& reason, bool mayPass) {
     NSLog("MKMapView: a tile cannot be drawn: %s", {reason.c_str()});
     if (_loading == Loading::Tiles) {
         _loading = Loading::Failed;
@@ -75,6 +80,13 @@ void MKMapView::tileFailed(const std::string& reason) {
             NSDictionary::Map{{NSString("NSLocalizedDescription"), id(NSString(std::string_view(reason)))}});
         queueReport([error](MKMapView& map, MKMapViewDelegate& delegate) {
             delegate.mapViewDidFailLoadingMapWithError(map, error);
+        });
+    }
+    if (mayPass && !_retryTimer->isRunning()) {
+        _retryRest = std::clamp(2 * _retryRest, firstRetryRest, longestRetryRest);
+        _retryTimer->start(dispatch_get_main_queue(), _retryRest, [this] {
+            _tiles->forgetFailures();
+            setNeedsDisplay();
         });
     }
     setNeedsDisplay();
@@ -89,6 +101,7 @@ void MKMapView::reportLoading() {
         }
     } else if (!_changing && !_scaleKeepsChanging && _loading != Loading::Nothing) {
         if (_loading == Loading::Tiles) {
+            _retryRest = 0;
             queueReport([](MKMapView& map, MKMapViewDelegate& delegate) { delegate.mapViewDidFinishLoadingMap(map); });
         }
         _loading = Loading::Nothing;

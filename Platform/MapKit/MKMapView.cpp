@@ -17,7 +17,8 @@ Class MKMapView::classObject() {
 
 MKMapView::MKMapView()
     : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
-      _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()) {}
+      _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()),
+      _retryTimer(std::make_unique<DispatchTimer>()) {}
 
 MKMapView::~MKMapView() = default;
 
@@ -25,7 +26,7 @@ void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
-        [this](const std::string& reason) { tileFailed(reason); });
+        [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
     addRecognizers();
 }
 

@@ -112,7 +112,7 @@ private:
 
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
-    void tileFailed(const std::string& reason);
+    void tileFailed(const std::string& reason, bool mayPass);
     void reportLoading();
     /// Notes the scale that is about to be drawn; true while it keeps changing from frame to frame.
     bool followScale();
@@ -153,6 +153,9 @@ private:
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
     unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate
+    // What a source could not give for a reason that may pass is asked for again after a while.
+    std::unique_ptr<DispatchTimer> _retryTimer;
+    double _retryRest = 0; // seconds
 };
 
 } // namespace veyra

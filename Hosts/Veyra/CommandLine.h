@@ -21,6 +21,7 @@ struct CommandLine {
     double scale = 1;               ///< device pixels a point; a whole number for `snapshot`
     std::optional<std::string> titlePrefix;
     std::optional<double> timeout; ///< seconds, above 0; none: no limit
+    std::string tileSources;       ///< the setting of VEYRA_SOURCES; empty: as the environment has it
 };
 
 /// The command line, or how the program ends at once: after help or version, and after a message on standard error

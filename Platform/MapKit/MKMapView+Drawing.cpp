@@ -1,6 +1,7 @@
 // Drawing of the map, and what is reported about its data.
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/Foundation/NSLog.h"
+#include "Platform/MapKit/MKAttributionView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKTileLayer.h"
@@ -66,15 +67,18 @@ bool MKMapView::isIdle() const {
 
 void MKMapView::tilesArrivedIn(const CGRect& area) {
     setNeedsDisplayInRect(area);
+    if (_showsAttribution && _tiles->source().attribution(_mapType) != _attributionView->attribution()) {
+        layOutFurniture(); // sources may learn whose data they are as they read them
+    }
     if (!_tiles->isWaiting()) {
         setNeedsDisplay(); // that all is there is reported by drawing, even if the last tile lies outside the window
     }
 }
 
 void MKMapView::tileFailed(const std::string& reason, bool mayPass) {
-    NSLog("MKMapView: a tile cannot be drawn: %s", {reason.c_str()});
     if (_loading == Loading::Tiles) {
         _loading = Loading::Failed;
+        NSLog("MKMapView: a tile cannot be drawn: %s", {reason.c_str()});
         auto error = std::make_shared<NSError>(
             NSString(errorDomain), errorUnknown,
             NSDictionary::Map{{NSString("NSLocalizedDescription"), id(NSString(std::string_view(reason)))}});

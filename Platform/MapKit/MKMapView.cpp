@@ -28,11 +28,13 @@ void MKMapView::initWithFrame(const CGRect& frame) {
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
     addRecognizers();
+    addFurniture();
 }
 
 void MKMapView::setMapType(MKMapType mapType) {
     if (_mapType != mapType) {
         _mapType = mapType;
+        layOutFurniture();
         setNeedsDisplay();
     }
 }
@@ -54,6 +56,7 @@ void MKMapView::setScrollEnabled(bool enabled) {
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
     _tiles->setSource(source);
+    layOutFurniture();
     setNeedsDisplay();
 }
 

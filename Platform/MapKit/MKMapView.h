@@ -18,7 +18,9 @@
 namespace veyra {
 
 class DispatchTimer;
+class MKAttributionView;
 class MKMotion;
+class MKScaleBar;
 class MKTileLayer;
 class MKTileSource;
 class UIPanGestureRecognizer;
@@ -65,6 +67,13 @@ public:
 
     /// Where the map's picture comes from; at first the built-in world. Not null.
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
+
+    /// Whether a scale bar stands at the bottom left; a map that is too small has none.
+    bool showsScale() const { return _showsScale; }
+    void setShowsScale(bool shows);
+    /// Whether the map says whose data it shows. A host that turns this off says so elsewhere.
+    bool showsAttribution() const { return _showsAttribution; }
+    void setShowsAttribution(bool shows);
 
     void layoutSubviews() override;
     bool isOpaque() const override { return hasLayout(); }
@@ -118,6 +127,12 @@ private:
     bool followScale();
     void queueReport(std::function<void(MKMapView&, MKMapViewDelegate&)> report);
 
+    // What stands on the map: MKMapView+Furniture.cpp
+    void addFurniture();
+    /// Brings the scale bar and the attribution up to date.
+    void layOutFurniture();
+    void publishCaption();
+
     std::weak_ptr<MKMapViewDelegate> _delegate;
     MKMapType _mapType = MKMapTypeStandard;
     bool _zoomEnabled = true;
@@ -148,6 +163,11 @@ private:
     CGPoint _pinchMiddle; // of the fingers at the last step of a pinch
     std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
     std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
+
+    bool _showsScale = false;
+    bool _showsAttribution = true;
+    std::shared_ptr<MKScaleBar> _scaleBar;
+    std::shared_ptr<MKAttributionView> _attributionView;
 
     std::unique_ptr<MKTileLayer> _tiles;
     enum class Loading { Nothing, Tiles, Failed };

@@ -11,7 +11,7 @@ namespace veyra {
 namespace {
 
 /// What rounding leaves: edges that are so near to a whole pixel lie on it.
-constexpr double pixelTolerance = 1e-3;
+constexpr double pixelTolerance = 1e-3, scaleTolerance = 1e-9;
 
 /// Makes `surface` the source, with its pixel (0, 0) at (x, y) and its pixels `scale` wide.
 void setSource(cairo_t* cairo, cairo_surface_t* surface, double x, double y, double scale) {
@@ -21,7 +21,7 @@ void setSource(cairo_t* cairo, cairo_surface_t* surface, double x, double y, dou
     cairo_matrix_init(&matrix, 1 / scale, 0, 0, 1 / scale, -x / scale, -y / scale);
     cairo_pattern_set_matrix(pattern, &matrix);
     cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);
-    const bool isAligned = std::abs(scale - 1) < 1e-9 && std::abs(x - std::round(x)) < pixelTolerance &&
+    const bool isAligned = std::abs(scale - 1) < scaleTolerance && std::abs(x - std::round(x)) < pixelTolerance &&
                            std::abs(y - std::round(y)) < pixelTolerance;
     cairo_pattern_set_filter(pattern, isAligned ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_GOOD);
 }
@@ -39,10 +39,12 @@ MKImageGrid::MKImageGrid(const MKTileKey& key, int imageSide, int minimumZoom, i
     const auto indexAt = [&](double pixel) {
         return std::clamp(static_cast<int>(std::floor(pixel / imageSide)), 0, static_cast<int>((1u << zoom) - 1));
     };
-    firstColumn = indexAt(left + pixelTolerance);
-    firstRow = indexAt(top + pixelTolerance);
-    lastColumn = indexAt(left + side - pixelTolerance);
-    lastRow = indexAt(top + side - pixelTolerance);
+    // Between the pixels of images that are drawn larger or smaller, those of the next image count too.
+    const double reach = std::abs(imagePixel - 1) < scaleTolerance ? -pixelTolerance : 0.5;
+    firstColumn = indexAt(left - reach);
+    firstRow = indexAt(top - reach);
+    lastColumn = indexAt(left + side + reach);
+    lastRow = indexAt(top + side + reach);
 }
 
 MKImageTilePainter::MKImageTilePainter(const MKTileKey& key, int imageSide, const MKTileImages& images,

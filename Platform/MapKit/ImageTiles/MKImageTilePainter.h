@@ -15,7 +15,7 @@ struct MKImageGrid {
     int zoom;
     double imagePixel; ///< the tile's pixels a pixel of an image
     double left, top;  ///< the tile's corner in the images' pixels, from the world's corner
-    int firstColumn, firstRow, lastColumn, lastRow; ///< of the images that meet the tile
+    int firstColumn, firstRow, lastColumn, lastRow; ///< of the images that the tile shows something of
 };
 
 class MKImageTilePainter {

@@ -1,5 +1,7 @@
 #include "Platform/MapKit/ImageTiles/MKTileAddress.h"
 
+#include "Platform/Foundation/NSURL.h"
+
 #include <glib.h>
 
 #include <algorithm>
@@ -28,12 +30,8 @@ MKTileAddress::MKTileAddress(std::string pattern, std::vector<std::string> subdo
         fail("it needs {z}, {x} and {y} or {-y}");
     }
     _hasDoubled = has(Name::Density);
-    const std::string example = url(0, 0, 0, true);
-    GError* error = nullptr;
-    if (!g_uri_is_valid(example.c_str(), G_URI_FLAGS_ENCODED, &error)) {
-        const std::string reason = error->message;
-        g_error_free(error);
-        fail("it is no address: " + reason);
+    if (!NSURL::URLWithString(id(NSString(std::string_view(url(0, 0, 0, true)))))) {
+        fail("it has characters that no address has");
     }
     if (host(0, 0, 0, true).empty()) {
         fail("it names no host");

@@ -25,6 +25,21 @@ const char* formatOf(std::string_view bytes) {
     throw MKTileImageError(bytes.empty() ? "there are no bytes" : "the bytes are no PNG, JPEG or WebP picture");
 }
 
+/// Whether the end that the format demands is there: decoders are content with a part.
+bool hasEnd(std::string_view bytes, std::string_view format) {
+    if (format == "png") {
+        return bytes.rfind("IEND") != std::string_view::npos;
+    }
+    if (format == "jpeg") {
+        return bytes.rfind("\xff\xd9") != std::string_view::npos;
+    }
+    uint32_t length = 0; // of what follows the first eight bytes
+    for (size_t i = 0; i < 4; ++i) {
+        length |= static_cast<uint32_t>(static_cast<unsigned char>(bytes[4 + i])) << 8 * i;
+    }
+    return bytes.size() >= 8 + uint64_t{length};
+}
+
 /// One decoding.
 class Decoder {
 public:
@@ -51,7 +66,7 @@ public:
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
-    GdkPixbuf* decode(std::string_view bytes) {
+    GdkPixbuf* decode(std::string_view bytes, bool isWhole) {
         const auto* const data = reinterpret_cast<const guchar*>(bytes.data());
         for (size_t at = 0; at < bytes.size(); at += chunk) {
             const bool taken = gdk_pixbuf_loader_write(_loader, data + at, std::min(chunk, bytes.size() - at), &_error);
@@ -59,7 +74,7 @@ public:
                 fail();
             }
         }
-        if (!close()) {
+        if (!close() || !isWhole) {
             fail();
         }
         GdkPixbuf* const pixels = gdk_pixbuf_loader_get_pixbuf(_loader);
@@ -144,8 +159,9 @@ std::shared_ptr<const MKTileImage> imageOf(const GdkPixbuf* pixels) {
 } // namespace
 
 std::shared_ptr<const MKTileImage> decodeTileImage(std::string_view bytes) {
-    Decoder decoder(formatOf(bytes));
-    return imageOf(decoder.decode(bytes));
+    const char* const format = formatOf(bytes);
+    Decoder decoder(format);
+    return imageOf(decoder.decode(bytes, hasEnd(bytes, format)));
 }
 
 } // namespace veyra

@@ -18,6 +18,7 @@ public:
 
     std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const override;
     MKTileColor backgroundColor(MKMapType mapType) const override;
+    MKTileAttribution attribution(MKMapType mapType) const override;
 
 private:
     const Opener _open;

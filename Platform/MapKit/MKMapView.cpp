@@ -23,7 +23,7 @@ Class MKMapView::classObject() {
 MKMapView::MKMapView()
     : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
       _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()),
-      _userLocation(std::make_shared<MKUserLocation>()) {}
+      _userLocation(std::make_shared<MKUserLocation>()), _retryTimer(std::make_unique<DispatchTimer>()) {}
 
 MKMapView::~MKMapView() {
     if (_locationProvider) {
@@ -35,17 +35,19 @@ void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
-        [this](const std::string& reason) { tileFailed(reason); });
+        [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
     _overlays = std::make_unique<MKOverlayList>();
     _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
     addRecognizers();
+    addFurniture();
     _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
-    addSubview(_annotationContainer);
+    addSubview(_annotationContainer); // above everything else
 }
 
 void MKMapView::setMapType(MKMapType mapType) {
     if (_mapType != mapType) {
         _mapType = mapType;
+        layOutFurniture();
         setNeedsDisplay();
     }
 }
@@ -67,6 +69,7 @@ void MKMapView::setScrollEnabled(bool enabled) {
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
     _tiles->setSource(source);
+    layOutFurniture();
     setNeedsDisplay();
 }
 

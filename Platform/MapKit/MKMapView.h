@@ -20,10 +20,12 @@ namespace veyra {
 class CLLocationProvider;
 class DispatchTimer;
 class MKAnnotationContainerView;
+class MKAttributionView;
 class MKMotion;
 class MKOverlay;
 class MKOverlayLayer;
 class MKOverlayList;
+class MKScaleBar;
 class MKTileLayer;
 class MKTileSource;
 class UIPanGestureRecognizer;
@@ -134,6 +136,13 @@ public:
     /// Where the map's picture comes from; at first the built-in world. Not null.
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
 
+    /// Whether a scale bar stands at the bottom left; a map that is too small has none.
+    bool showsScale() const { return _showsScale; }
+    void setShowsScale(bool shows);
+    /// Whether the map says whose data it shows. A host that turns this off says so elsewhere.
+    bool showsAttribution() const { return _showsAttribution; }
+    void setShowsAttribution(bool shows);
+
     void layoutSubviews() override;
     bool isOpaque() const override { return hasLayout(); }
     void drawRect(const UIGraphicsContext& context) override;
@@ -185,7 +194,7 @@ private:
 
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
-    void tileFailed(const std::string& reason);
+    void tileFailed(const std::string& reason, bool mayPass);
     void reportLoading();
     /// Notes the scale that is about to be drawn; true while it keeps changing from frame to frame.
     bool followScale();
@@ -196,6 +205,12 @@ private:
     void askForOverlaysThatCameIntoSight();
     void queueOverlayUpdate();
     void updateOverlays();
+
+    // What stands on the map: MKMapView+Furniture.cpp
+    void addFurniture();
+    /// Brings the scale bar and the attribution up to date.
+    void layOutFurniture();
+    void publishCaption();
 
     std::weak_ptr<MKMapViewDelegate> _delegate;
     MKMapType _mapType = MKMapTypeStandard;
@@ -237,6 +252,11 @@ private:
     std::shared_ptr<CLLocationProvider> _locationProvider;
     std::shared_ptr<MKUserLocation> _userLocation;
 
+    bool _showsScale = false;
+    bool _showsAttribution = true;
+    std::shared_ptr<MKScaleBar> _scaleBar;
+    std::shared_ptr<MKAttributionView> _attributionView;
+
     std::unique_ptr<MKTileLayer> _tiles;
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
@@ -245,6 +265,10 @@ private:
     std::unique_ptr<MKOverlayList> _overlays;
     std::unique_ptr<MKOverlayLayer> _overlayLayer;
     bool _overlayUpdateQueued = false;
+
+    // What a source could not give for a reason that may pass is asked for again after a while.
+    std::unique_ptr<DispatchTimer> _retryTimer;
+    double _retryRest = 0; // seconds
 };
 
 } // namespace veyra

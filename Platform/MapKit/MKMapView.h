@@ -18,6 +18,7 @@
 namespace veyra {
 
 class DispatchTimer;
+class MKAnnotationContainerView;
 class MKMotion;
 class MKTileLayer;
 class MKTileSource;
@@ -59,6 +60,38 @@ public:
     void setZoomEnabled(bool enabled);
     bool isScrollEnabled() const { return _scrollEnabled; }
     void setScrollEnabled(bool enabled);
+
+    // Annotations: MKMapView+Annotations.cpp. None that is null is taken.
+
+    /// Puts an annotation on the map; one that is there already is ignored.
+    void addAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
+    void addAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
+    /// Takes it off the map; a selected one is reported as deselected first. One that is not there is ignored.
+    void removeAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
+    void removeAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
+    /// In no particular order.
+    std::vector<std::shared_ptr<MKAnnotation>> annotations() const;
+    /// For an annotation of the map whose coordinate was changed by others than the map: moves its view.
+    void annotationCoordinateDidChange(const std::shared_ptr<MKAnnotation>& annotation);
+    /// The view that the annotation has now, or null.
+    std::shared_ptr<MKAnnotationView> viewForAnnotation(const std::shared_ptr<MKAnnotation>& annotation) const;
+    /// A view that has left the map and was made with that identifier, or null. It is the caller's from now on.
+    std::shared_ptr<MKAnnotationView> dequeueReusableAnnotationViewWithIdentifier(const NSString& identifier);
+
+    /// Selects the annotation, shows its callout and reports it, after the deselection of the one selected before.
+    /// Without effect for an annotation without a view in the visible area or near it, and for the selected one.
+    /// Animated, the map moves so that the callout fits.
+    void selectAnnotationAnimated(const std::shared_ptr<MKAnnotation>& annotation, bool animated);
+    /// Without effect for an annotation that is not selected.
+    void deselectAnnotationAnimated(const std::shared_ptr<MKAnnotation>& annotation, bool animated);
+    /// The selected annotation, or nothing.
+    std::vector<std::shared_ptr<MKAnnotation>> selectedAnnotations() const;
+
+    /// Between coordinates and points of a view; of the map itself when the view is null. Before the first layout the
+    /// coordinate of a point is the centre, the point of a coordinate the middle.
+    CLLocationCoordinate2D convertPointToCoordinateFromView(CGPoint point, const std::shared_ptr<UIView>& view) const;
+    CGPoint convertCoordinateToPointToView(CLLocationCoordinate2D coordinate,
+                                           const std::shared_ptr<UIView>& view) const;
 
     /// True when the user's position is in the visible area.
     bool isUserLocationVisible() const { return false; }
@@ -148,6 +181,9 @@ private:
     CGPoint _pinchMiddle; // of the fingers at the last step of a pinch
     std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
     std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
+
+    friend class MKAnnotationContainerView;
+    std::shared_ptr<MKAnnotationContainerView> _annotationContainer; // a subview, from the start
 
     std::unique_ptr<MKTileLayer> _tiles;
     enum class Loading { Nothing, Tiles, Failed };

@@ -96,6 +96,8 @@ void HTTPServer::handle(int connection) {
         if (count <= 0)
             break;
         request.append(bytes, static_cast<size_t>(count));
+        if (request[0] != 'G') // no request that is understood here, a TLS greeting for one
+            break;
     }
     if (request.ends_with("\r\n\r\n")) {
         Answer found{.bytes =

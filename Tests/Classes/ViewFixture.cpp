@@ -117,6 +117,17 @@ void ViewFixture::runMain() {
     runQueue(dispatch_get_main_queue());
 }
 
+bool ViewFixture::runMainUntil(const std::function<bool()>& condition) {
+    const MainRole role;
+    for (int tries = 0; tries < 10000; ++tries) {
+        if (condition())
+            return true;
+        if (!g_main_context_iteration(mainContext(), FALSE))
+            g_usleep(1000);
+    }
+    return false;
+}
+
 void ViewFixture::runWeb() {
     runQueue(webThread());
 }

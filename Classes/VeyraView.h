@@ -133,7 +133,9 @@ public:
     bool userLocationVisible() const;
     /// The last position known; all fields 0 before the first.
     id userLocation() const;
-    /// The permission listener's refusals. Any thread.
+    /// The permission listener's answers: the display is switched as the script asked last, or off. Any thread; any
+    /// number of times.
+    void allow();
     void deny();
     void denyOnlyThisRequest() { deny(); }
     bool shouldClearCache() const { return true; }
@@ -194,6 +196,10 @@ public:
 
     /// Busy while images are on their way.
     bool isIdle() const override;
+    void mapViewWillStartLocatingUser(MKMapView& mapView) override;
+    void mapViewDidStopLocatingUser(MKMapView& mapView) override;
+    void mapViewDidUpdateUserLocation(MKMapView& mapView, const std::shared_ptr<MKUserLocation>& userLocation) override;
+    void mapViewDidFailToLocateUserWithError(MKMapView& mapView, const std::shared_ptr<NSError>& error) override;
 
     // For tests and hosts on the main queue.
 
@@ -242,6 +248,8 @@ private:
     Records takeDeferredAnnotations(const id& string);
     void countImageLoads(int change);
 
+    /// Asks the host's web view for permission to locate the user; one that cannot be asked has denied it.
+    void askForLocation();
     /// Runs the block with the map on the main queue; the view lives until then.
     void onMap(std::function<void(MKMapView&)> change);
     void logVerbose(const char* format, const id& argument) const;
@@ -271,6 +279,7 @@ private:
     MKMapRect _visibleMapRect VEYRA_GUARDED_BY(_lock){};
     CGSize _boundsSize VEYRA_GUARDED_BY(_lock){};
     bool _showsUserLocation VEYRA_GUARDED_BY(_lock) = false;
+    std::shared_ptr<MKUserLocation> _userLocation VEYRA_GUARDED_BY(_lock);
     bool _userLocationVisible VEYRA_GUARDED_BY(_lock) = false;
     uint64_t _mapType VEYRA_GUARDED_BY(_lock) = 0;
     bool _zoomEnabled VEYRA_GUARDED_BY(_lock) = true;

@@ -1,10 +1,13 @@
 // Life cycle and properties of the map view.
 #include "Platform/MapKit/MKMapView.h"
 
+#include "Platform/CoreLocation/CLLocationProvider.h"
 #include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
 #include "Platform/MapKit/MKMotion.h"
 #include "Platform/MapKit/MKTileLayer.h"
+#include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
 #include "Platform/UIKit/UIPinchGestureRecognizer.h"
 
@@ -17,9 +20,14 @@ Class MKMapView::classObject() {
 
 MKMapView::MKMapView()
     : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
-      _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()) {}
+      _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()),
+      _userLocation(std::make_shared<MKUserLocation>()) {}
 
-MKMapView::~MKMapView() = default;
+MKMapView::~MKMapView() {
+    if (_locationProvider) {
+        _locationProvider->stopUpdatingLocation();
+    }
+}
 
 void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
@@ -27,6 +35,8 @@ void MKMapView::initWithFrame(const CGRect& frame) {
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason) { tileFailed(reason); });
     addRecognizers();
+    _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
+    addSubview(_annotationContainer);
 }
 
 void MKMapView::setMapType(MKMapType mapType) {

@@ -17,6 +17,7 @@
 
 namespace veyra {
 
+class CLLocationProvider;
 class DispatchTimer;
 class MKAnnotationContainerView;
 class MKMotion;
@@ -93,8 +94,18 @@ public:
     CGPoint convertCoordinateToPointToView(CLLocationCoordinate2D coordinate,
                                            const std::shared_ptr<UIView>& view) const;
 
-    /// True when the user's position is in the visible area.
-    bool isUserLocationVisible() const { return false; }
+    // The user's location: MKMapView+UserLocation.cpp
+
+    /// Whether the map follows the user and shows where the user is. Without a provider, following fails at once.
+    /// Switching on once more after a failure tries again.
+    bool showsUserLocation() const { return _showsUserLocation; }
+    void setShowsUserLocation(bool shows);
+    /// Where positions come from; null at first. What was under way with another one goes on with this one.
+    void setLocationProvider(std::shared_ptr<CLLocationProvider> provider);
+    /// The annotation of the user's location; not null, with the last position known.
+    const std::shared_ptr<MKUserLocation>& userLocation() const { return _userLocation; }
+    /// True while a position is known and its circle of accuracy meets the visible area.
+    bool isUserLocationVisible() const;
 
     /// Where the map's picture comes from; at first the built-in world. Not null.
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
@@ -143,6 +154,11 @@ private:
     MKCamera cameraForKeys() const;
     void changeByKey(const MKCamera& target);
 
+    void startLocating();
+    void userLocated(const std::shared_ptr<const CLLocation>& location);
+    void userNotLocated(const std::shared_ptr<NSError>& error);
+    void removeUserLocation();
+
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
     void tileFailed(const std::string& reason);
@@ -184,6 +200,12 @@ private:
 
     friend class MKAnnotationContainerView;
     std::shared_ptr<MKAnnotationContainerView> _annotationContainer; // a subview, from the start
+
+    bool _showsUserLocation = false;
+    bool _isLocating = false; // since the start or a position that followed it; not after a failure
+    bool _isUserLocationShown = false;
+    std::shared_ptr<CLLocationProvider> _locationProvider;
+    std::shared_ptr<MKUserLocation> _userLocation;
 
     std::unique_ptr<MKTileLayer> _tiles;
     enum class Loading { Nothing, Tiles, Failed };

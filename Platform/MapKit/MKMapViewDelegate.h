@@ -9,6 +9,7 @@
 namespace veyra {
 
 class MKMapView;
+class MKUserLocation;
 
 class MKMapViewDelegate {
 public:
@@ -26,6 +27,15 @@ public:
     virtual void mapViewRegionWillChangeAnimated(MKMapView&, bool /*animated*/) {}
     /// The change has ended; the centre's longitude is in [-180, 180).
     virtual void mapViewRegionDidChangeAnimated(MKMapView&, bool /*animated*/) {}
+
+    /// The map begins to follow the user.
+    virtual void mapViewWillStartLocatingUser(MKMapView&) {}
+    /// The user's location was found, or has changed.
+    virtual void mapViewDidUpdateUserLocation(MKMapView&, const std::shared_ptr<MKUserLocation>&) {}
+    /// The map follows the user no more. Not sent after a failure.
+    virtual void mapViewDidStopLocatingUser(MKMapView&) {}
+    /// The user cannot be located now. A position that follows is reported as an update.
+    virtual void mapViewDidFailToLocateUserWithError(MKMapView&, const std::shared_ptr<NSError>&) {}
 
     // Annotations. A delegate may add, remove and select annotations while it is being told or asked.
 

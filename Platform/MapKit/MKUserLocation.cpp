@@ -9,9 +9,20 @@ Class MKUserLocation::classObject() {
     return cls;
 }
 
+std::shared_ptr<const CLLocation> MKUserLocation::location() const {
+    const std::lock_guard guard(_mutex);
+    return _location;
+}
+
+void MKUserLocation::setLocation(std::shared_ptr<const CLLocation> location) {
+    const std::lock_guard guard(_mutex);
+    _location.swap(location);
+}
+
 CLLocationCoordinate2D MKUserLocation::coordinate() const {
     constexpr double nowhere = std::numeric_limits<double>::quiet_NaN();
-    return _location ? _location->coordinate() : CLLocationCoordinate2D{nowhere, nowhere};
+    const auto location = this->location();
+    return location ? location->coordinate() : CLLocationCoordinate2D{nowhere, nowhere};
 }
 
 } // namespace veyra

@@ -1,7 +1,10 @@
-// The annotation that stands for the user's position. Owned by the map view; main queue only.
+// The annotation that stands for the user's position. Owned by the map view; main queue only, but for `location`, which
+// any thread may read.
 #pragma once
 
 #include "Platform/MapKit/MKAnnotation.h"
+
+#include <mutex>
 
 namespace veyra {
 
@@ -10,8 +13,8 @@ public:
     VEYRA_CLASS()
 
     /// The last position known, or null. The map shows a new one after MKMapView::annotationCoordinateDidChange.
-    const std::shared_ptr<const CLLocation>& location() const { return _location; }
-    void setLocation(std::shared_ptr<const CLLocation> location) { _location = std::move(location); }
+    std::shared_ptr<const CLLocation> location() const;
+    void setLocation(std::shared_ptr<const CLLocation> location);
     /// True while positions keep coming.
     bool isUpdating() const { return _updating; }
     void setUpdating(bool updating) { _updating = updating; }
@@ -27,7 +30,8 @@ public:
     void setSubtitle(const id& subtitle) { _subtitle = subtitle; }
 
 private:
-    std::shared_ptr<const CLLocation> _location;
+    mutable std::mutex _mutex;
+    std::shared_ptr<const CLLocation> _location; // guarded by _mutex
     bool _updating = false;
     id _title{NSString("Current Location")};
     id _subtitle;

@@ -196,7 +196,7 @@ std::shared_ptr<const NSDictionary> ViewFixture::arguments() const {
 
 std::shared_ptr<PlugInInstance> ViewFixture::makeMap(const std::string& name) {
     g_main_context_acquire(mainContext()); // the host would wait for the main queue, which is this thread
-    auto made = PlugInInstance::create({{{"id", name}}, "https://example.test/page.html", frame, 1});
+    auto made = PlugInInstance::create({{{"id", name}}, "https://example.test/page.html", frame, 1, nullptr});
     g_main_context_release(mainContext());
     expose(name, made);
     return made;

@@ -42,10 +42,10 @@ class MainRole {
 public:
     MainRole() {
         g_main_context_release(webContext());
-        g_main_context_acquire(mainContext());
+        g_main_context_push_thread_default(mainContext());
     }
     ~MainRole() {
-        g_main_context_release(mainContext());
+        g_main_context_pop_thread_default(mainContext());
         g_main_context_acquire(webContext());
     }
     MainRole(const MainRole&) = delete;

@@ -110,7 +110,6 @@ void NSHTTPURLProtocol::failWith(const GError& error) {
 }
 
 void NSHTTPURLProtocol::send() {
-    const MainQueueContextScope scope;
     soup_session_send_async(
         mainQueueHTTPSession(), _message, G_PRIORITY_DEFAULT, _cancellable,
         [](GObject* session, GAsyncResult* result, gpointer data) {
@@ -136,7 +135,6 @@ void NSHTTPURLProtocol::gotStream(GInputStream* stream) {
 }
 
 void NSHTTPURLProtocol::read() {
-    const MainQueueContextScope scope;
     g_input_stream_read_bytes_async(
         _stream, chunk, G_PRIORITY_DEFAULT, _cancellable,
         [](GObject* stream, GAsyncResult* result, gpointer data) {

@@ -58,6 +58,7 @@ protected:
         run("const image = (identifier, imageURL, more) => ({ latitude: 1, longitude: 2, identifier, imageURL, ...more "
             "})");
         server.serve("/pin.png", pngOfSize(16, 8));
+        server.hold(true);
     }
 
     void add(const std::string& identifier, const std::string& url, const std::string& more = "") {
@@ -79,9 +80,11 @@ protected:
                     return made;
         return nullptr;
     }
-    /// Waits until nothing is being loaded any more, then delivers the events.
+    /// Lets the server answer, waits until nothing is being loaded any more, and delivers the events.
     void load() {
+        server.hold(false);
         EXPECT_TRUE(runMainUntil([&] { return view().isIdle(); }));
+        server.hold(true);
         settle();
     }
     std::string annotations() { return run("map.annotations.sort().join()"); }

@@ -62,7 +62,7 @@ TEST_F(AnnotationRecord, HasEveryKeyUnderItsField) {
 
 TEST_F(AnnotationRecord, ReadsEachKeyOnceInTheOrderOfTheFormat) {
     run("reads = []; spy = new Proxy({ latitude: 1, longitude: 2, identifier: 'a' }, { get(target, key) { "
-        "reads.push(key); return target[key] } })");
+        "reads.push(key); return target[key] } }); 0");
     record("spy");
     EXPECT_EQ(run("reads.join()"),
               "latitude,longitude,identifier,title,subtitle,imageURL,xOffset,yOffset,hasLeftCalloutButton,"

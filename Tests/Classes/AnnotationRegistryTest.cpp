@@ -160,7 +160,7 @@ TEST_F(AnnotationRegistry, ASingleValueWithoutAConversionIsAnErrorAndNothingIsAd
 }
 
 TEST_F(AnnotationRegistry, ReadsAnElementsRequiredKeysThenItsIdentifierThenItsFormat) {
-    run("reads = []; spy = new Proxy(pin('a'), { get(target, key) { reads.push(key); return target[key] } })");
+    run("reads = []; spy = new Proxy(pin('a'), { get(target, key) { reads.push(key); return target[key] } }); 0");
     const std::string expected =
         "latitude,longitude,identifier,identifier,latitude,longitude,identifier,title,subtitle,"
         "imageURL,xOffset,yOffset,hasLeftCalloutButton,hasRightCalloutButton,pinColor,"
@@ -170,7 +170,8 @@ TEST_F(AnnotationRegistry, ReadsAnElementsRequiredKeysThenItsIdentifierThenItsFo
 }
 
 TEST_F(AnnotationRegistry, ReadsNoFurtherKeyOfAnElementThatIsRefused) {
-    run("reads = []; spy = object => new Proxy(object, { get(target, key) { reads.push(key); return target[key] } })");
+    run("reads = []; spy = object => new Proxy(object, { get(target, key) { reads.push(key); return target[key] } }); "
+        "0");
     run("try { map.addAnnotations([spy({ latitude: 1 }), spy(pin(7)), spy(pin('a', { longitude: {} }))]) } catch (e) "
         "{}");
     EXPECT_EQ(run("reads.join()"), "latitude,longitude,identifier,"

@@ -243,7 +243,11 @@ void MKAnnotationContainerView::annotationViewDidChangeCallout(MKAnnotationView&
 
 CGRect MKAnnotationContainerView::frameOfAnnotationView(const MKAnnotationView& view) const {
     const uint32_t number = _store.find(view._annotation.get());
-    return number != none && _store[number].view.get() == &view ? frameOf(number) : CGRect{};
+    if (number == none || _store[number].view.get() != &view) {
+        return {};
+    }
+    const CGRect frame = frameOf(number);
+    return frame.offsetBy(0, _store[number].waitsToDrop ? -frame.maxY() - heightAboveMap : -_store[number].lift);
 }
 
 void MKAnnotationContainerView::startDrops(const std::vector<uint32_t>& numbers) {

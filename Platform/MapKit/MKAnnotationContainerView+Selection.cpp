@@ -20,7 +20,7 @@ CGRect MKAnnotationContainerView::frameOf(uint32_t number) const {
     CGPoint point = map->_camera.pointFor(entry.point, map->_viewSize);
     const double world = MKWorldSide * map->_camera.scale;
     point.x -= std::round((point.x - map->_viewSize.width / 2) / world) * world;
-    return entry.view->extent().offsetBy(point.x, point.y - entry.lift);
+    return entry.view->extent().offsetBy(point.x, point.y);
 }
 
 bool MKAnnotationContainerView::isOnScreen(uint32_t number) const {
@@ -205,7 +205,7 @@ void MKAnnotationContainerView::placeCallout() {
     if (_callout && _selected != none && _store[_selected].view) {
         const CGRect frame = frameOf(_selected);
         const CGPoint offset = _store[_selected].view->calloutOffset();
-        _callout->pointAt({frame.center().x + offset.x, frame.minY() + offset.y}, bounds().size);
+        _callout->pointAt({frame.center().x + offset.x, frame.minY() + offset.y}, frame.maxY(), bounds().size);
     }
 }
 

@@ -113,7 +113,8 @@ private:
 
     // Selection: MKAnnotationContainerView+Selection.cpp
     uint32_t numberAt(CGPoint point);
-    /// The copy of a view that counts, in points of the map: the visible one that is nearest to the middle.
+    /// Where a view belongs, in points of the map, on the copy of the world that is nearest to the middle; whether it
+    /// is lifted or falls does not count.
     CGRect frameOf(uint32_t number) const;
     bool isOnScreen(uint32_t number) const;
     void select(uint32_t number, bool animated);

@@ -37,7 +37,7 @@ Layout layoutOf(PangoContext* context, const std::string& text, double size, boo
 }
 
 // Text is measured and drawn at whole-point metrics, so that a callout is as wide at every scale.
-PangoContext* newContext(double scale) {
+PangoContext* newContext() {
     PangoContext* const context = pango_font_map_create_context(pango_cairo_font_map_get_default());
     cairo_font_options_t* const options = cairo_font_options_create();
     cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
@@ -46,7 +46,6 @@ PangoContext* newContext(double scale) {
     pango_cairo_context_set_font_options(context, options);
     cairo_font_options_destroy(options);
     pango_context_set_round_glyph_positions(context, FALSE);
-    (void)scale;
     return context;
 }
 
@@ -54,7 +53,7 @@ double widthOf(const std::string& text, double size, bool bold) {
     if (text.empty()) {
         return 0;
     }
-    PangoContext* const context = newContext(1);
+    PangoContext* const context = newContext();
     int width = 0;
     pango_layout_get_size(layoutOf(context, text, size, bold).get(), &width, nullptr);
     g_object_unref(context);
@@ -146,17 +145,15 @@ CGSize MKCalloutView::sizeFor(CGSize mapSize) const {
     return {width + 2 * shadow, height + tipHeight + 2 * shadow};
 }
 
-void MKCalloutView::pointAt(CGPoint tip, CGSize mapSize) {
+void MKCalloutView::pointAt(CGPoint tip, double viewBottom, CGSize mapSize) {
     const CGSize size = sizeFor(mapSize);
-    const double width = size.width - 2 * shadow;
+    const double width = size.width - 2 * shadow, height = size.height - 2 * shadow;
+    const double beyondLeft = std::min(0.0, tip.x), beyondRight = std::max(0.0, tip.x - mapSize.width);
+    double left = std::min(tip.x - width / 2, mapSize.width - mapMargin - width + beyondRight);
+    left = std::round(std::max(left, mapMargin + beyondLeft));
+    const double top = std::round(std::max(tip.y - height, mapMargin + std::min(0.0, viewBottom)));
     const double reach = corner + tipHalfWidth; // of the tip from a side of the body
-    double left = tip.x - width / 2;
-    left = std::min(left, mapSize.width - mapMargin - width);
-    left = std::max(left, mapMargin);
-    left = std::clamp(left, tip.x - (width - reach), tip.x - reach);
-    left = std::round(left);
-    const double top = std::round(tip.y - (size.height - 2 * shadow));
-    const double tipX = std::round(tip.x) - left + shadow;
+    const double tipX = std::clamp(std::round(tip.x) - left, reach, width - reach) + shadow;
     if (tipX != _tipX) {
         _tipX = tipX;
         setNeedsDisplay();
@@ -218,7 +215,7 @@ void MKCalloutView::drawRect(const UIGraphicsContext& context) {
     if (_content.right) {
         right = body.maxX() - accessoryInset - accessoryWidth(_content.right) - accessoryGap;
     }
-    PangoContext* const text = newContext(context.scale);
+    PangoContext* const text = newContext();
     const double middle = body.center().y;
     cairo_set_source_rgb(cairo, 0.1, 0.1, 0.11);
     showLine(cairo, text, _content.title, titleSize, true, {left, middle + (_content.subtitle.empty() ? 5 : -2.5)},

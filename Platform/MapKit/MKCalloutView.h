@@ -26,10 +26,10 @@ public:
     const Content& content() const { return _content; }
     void setContent(const Content& content);
 
-    /// Puts the bubble's tip at `tip` on a map of that size (points of the superview). The bubble is as wide as its
-    /// text needs and the map allows; it lies above the tip, and is shifted sideways to stay inside the map as far as
-    /// its tip reaches.
-    void pointAt(CGPoint tip, CGSize mapSize);
+    /// Puts the bubble's tip at `tip` on a map of that size (points of the superview), for a view whose lower edge is
+    /// at `viewBottom`. The bubble is as wide as its text needs and the map allows, and lies above the tip; while the
+    /// view is in the map, the bubble is shifted to stay inside too, and leaves it with the view.
+    void pointAt(CGPoint tip, double viewBottom, CGSize mapSize);
     /// How far a map of that size must be moved, in points, so that the bubble lies wholly inside when its tip is at
     /// `tip`: 0 where it does already, or where it has no room either way.
     CGPoint moveToFit(CGPoint tip, CGSize mapSize) const;

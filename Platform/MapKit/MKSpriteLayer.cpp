@@ -16,6 +16,11 @@ int64_t tileIndex(int64_t pixel) {
     return pixel >= 0 ? pixel / side : -((side - 1 - pixel) / side);
 }
 
+// The nearest whole pixel of the world, which has no negative ones.
+double wholePixel(double pixel) {
+    return static_cast<double>(static_cast<int64_t>(pixel + 0.5));
+}
+
 // The image that a context draws into. The caller unreferences it and marks the target dirty.
 pixman_image_t* imageOf(cairo_surface_t* target) {
     return pixman_image_create_bits_no_clear(
@@ -45,8 +50,8 @@ void MKSpriteLayer::forEachPlace(const MKPlacedSprite& sprite,
     if (!sprite.sprite || _view.scale <= 0) {
         return;
     }
-    const double x = std::round(sprite.point.x * _view.scale) + sprite.left;
-    const double y = std::round(sprite.point.y * _view.scale) - _view.top + sprite.top;
+    const double x = wholePixel(sprite.point.x * _view.scale) + sprite.left;
+    const double y = wholePixel(sprite.point.y * _view.scale) - _view.top + sprite.top;
     const int width = sprite.sprite->width(), height = sprite.sprite->height();
     if (y >= _view.height || y + height <= 0) {
         return;
@@ -64,8 +69,8 @@ void MKSpriteLayer::invalidate(const MKPlacedSprite& sprite) {
     if (!sprite.sprite || _view.scale <= 0) {
         return;
     }
-    const double x = std::round(sprite.point.x * _view.scale) + sprite.left + _view.left;
-    const double y = std::round(sprite.point.y * _view.scale) + sprite.top;
+    const double x = wholePixel(sprite.point.x * _view.scale) + sprite.left + _view.left;
+    const double y = wholePixel(sprite.point.y * _view.scale) + sprite.top;
     for (Tile& tile : _tiles) {
         const double top = static_cast<double>(tile.row * side) - y;
         if (tile.isStale || top >= sprite.sprite->height() || top <= -side) {
@@ -128,8 +133,7 @@ void MKSpriteLayer::bringUpToDate(const TileArea& area) {
     if (!any) {
         return;
     }
-    std::vector<std::vector<Drawing>> lists(wanted.size());
-    fillLists(area, lists, wanted);
+    fillLists(area, wanted);
     for (size_t i = 0; i < wanted.size(); ++i) {
         if (!wanted[i]) {
             continue;
@@ -137,7 +141,7 @@ void MKSpriteLayer::bringUpToDate(const TileArea& area) {
         Tile& tile = *find(area.firstColumn + static_cast<int64_t>(i % columns),
                            area.firstRow + static_cast<int64_t>(i / columns));
         tile.isStale = false;
-        if (lists[i].empty()) {
+        if (_lists[i].empty()) {
             if (tile.picture) {
                 _spare.push_back(std::move(tile.picture));
             }
@@ -151,15 +155,18 @@ void MKSpriteLayer::bringUpToDate(const TileArea& area) {
             tile.picture = std::make_unique<MKSpriteTile>();
         }
         tile.picture->clear();
-        for (const Drawing& drawing : lists[i]) {
+        for (const Drawing& drawing : _lists[i]) {
             tile.picture->drawBehind(*drawing.sprite, drawing.x, drawing.y);
         }
     }
 }
 
 // For each wanted tile what meets it, the front ones first.
-void MKSpriteLayer::fillLists(const TileArea& area, std::vector<std::vector<Drawing>>& lists,
-                              const std::vector<bool>& wanted) {
+void MKSpriteLayer::fillLists(const TileArea& area, const std::vector<bool>& wanted) {
+    _lists.resize(std::max(_lists.size(), wanted.size()));
+    for (auto& list : _lists) {
+        list.clear();
+    }
     const int64_t columns = area.lastColumn - area.firstColumn + 1;
     const double areaLeft = static_cast<double>(area.firstColumn * side);
     const double areaTop = static_cast<double>(area.firstRow * side);
@@ -172,11 +179,11 @@ void MKSpriteLayer::fillLists(const TileArea& area, std::vector<std::vector<Draw
         copies.push_back(_view.worldLeft(copy) + _view.left - areaLeft);
     }
     for (auto placed = _sprites.rbegin(); placed != _sprites.rend(); ++placed) {
-        const double y = std::round(placed->point.y * _view.scale) - areaTop + placed->top;
+        const double y = wholePixel(placed->point.y * _view.scale) - areaTop + placed->top;
         if (!placed->sprite || y >= areaHeight || y + placed->sprite->height() <= 0) {
             continue;
         }
-        const double worldX = std::round(placed->point.x * _view.scale) + placed->left;
+        const double worldX = wholePixel(placed->point.x * _view.scale) + placed->left;
         const int top = static_cast<int>(y);
         const int firstRow = std::max(0, top) / side;
         const int lastRow = (static_cast<int>(std::min(areaHeight, y + placed->sprite->height())) - 1) / side;
@@ -191,7 +198,7 @@ void MKSpriteLayer::fillLists(const TileArea& area, std::vector<std::vector<Draw
                 for (int column = std::max(0, left) / side; column <= lastColumn; ++column) {
                     const auto tile = static_cast<size_t>(row * columns + column);
                     if (wanted[tile]) {
-                        lists[tile].push_back({placed->sprite, left - column * side, top - row * side});
+                        _lists[tile].push_back({placed->sprite, left - column * side, top - row * side});
                     }
                 }
             }

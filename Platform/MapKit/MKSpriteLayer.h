@@ -59,13 +59,14 @@ private:
     Tile* find(int64_t column, int64_t row);
     void forgetFarTiles();
     void bringUpToDate(const TileArea& area);
-    void fillLists(const TileArea& area, std::vector<std::vector<Drawing>>& lists, const std::vector<bool>& wanted);
+    void fillLists(const TileArea& area, const std::vector<bool>& wanted);
     void composite(const Tile& tile, pixman_image_t* target, const PixelRect& clip, int originX, int originY) const;
 
     std::vector<MKPlacedSprite> _sprites;
     MKPixelView _view;
     std::vector<Tile> _tiles;
     std::vector<std::unique_ptr<MKSpriteTile>> _spare;
+    std::vector<std::vector<Drawing>> _lists; // of the tiles that are being drawn, kept for their room
 };
 
 } // namespace veyra

@@ -27,18 +27,30 @@ public:
 
 private:
     static constexpr int words = side / 64;
-    static constexpr int blockSide = 16;
+    static constexpr int blockSide = 8;
     static constexpr int blocks = side / blockSide;
 
-    bool isHidden(const PixelRect& rect) const;
-    void drawRowBehind(const MKSprite& sprite, int row, int x, int y);
-    void cover(int y, int word, uint64_t bits);
+    /// Where 64 columns of a sprite lie in the tile.
+    struct Strip {
+        int word;             // of the sprite's rows
+        int skipped;          // its pixels to the left of the tile
+        int firstWord, shift; // of the tile's rows, where the first pixel comes to lie
+        int column;           // the same in pixels
+        uint64_t inside;      // the pixels that are not beyond the tile
+        uint32_t blocks;      // that it touches
+    };
+
+    void drawStrip(const MKSprite& sprite, const Strip& strip, int y, int firstRow, int endRow);
+    void drawRow(const MKSprite& sprite, const Strip& strip, int spriteRow, int row);
+    void findFullBlocks(int blockRow, int word);
 
     std::unique_ptr<uint32_t[]> _pixels;
-    // Pixels that are opaque; a word more in each row, so that a mask may reach beyond the end.
-    std::array<std::array<uint64_t, words + 1>, side> _covered;
-    // Of squares of 16 x 16 pixels: how many are not covered yet.
-    std::array<std::array<uint16_t, blocks>, blocks> _open;
+    // Pixels that are opaque, and those that are not clear; a word more in each row, so that a mask may reach beyond
+    // the end.
+    using Mask = std::array<std::array<uint64_t, words + 1>, side>;
+    Mask _covered, _touched;
+    // Of each row of blocks of 8 x 8 pixels, a bit a block: whether all of its pixels are covered.
+    std::array<uint32_t, blocks> _fullBlocks;
     PixelRect _extent;
 };
 

@@ -3,6 +3,7 @@
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/MapKit/MKAttributionView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKOverlayLayer.h"
 #include "Platform/MapKit/MKTileLayer.h"
@@ -39,9 +40,11 @@ void MKMapView::drawRect(const UIGraphicsContext& context) {
                       .viewSize = _viewSize,
                       .deviceScale = context.scale,
                       .mapType = _mapType,
+                      .style = window()->userInterfaceStyle(),
                       .scaleIsChanging = scaleIsChanging,
                       .destination = animation ? std::optional(animation->target()) : std::nullopt});
     _tiles->draw(context);
+    drawLabels(context);
     _overlayLayer->setScene(_camera, _viewSize, context.scale, scaleIsChanging);
     _overlayLayer->draw(context);
     reportLoading();
@@ -66,7 +69,7 @@ bool MKMapView::followScale() {
 
 bool MKMapView::isIdle() const {
     return !_changing && !_scaleKeepsChanging && _loading == Loading::Nothing && _queuedReports == 0 &&
-           !_tiles->isWaiting() && !_overlayUpdateQueued && !_overlayLayer->isWaiting();
+           !_tiles->isWaiting() && _labels->isComplete() && !_overlayUpdateQueued && !_overlayLayer->isWaiting();
 }
 
 void MKMapView::tilesArrivedIn(const CGRect& area) {

@@ -5,6 +5,7 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMotion.h"
 #include "Platform/MapKit/MKOverlayLayer.h"
 #include "Platform/MapKit/MKOverlayList.h"
@@ -33,6 +34,7 @@ MKMapView::~MKMapView() {
 
 void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
+    _labels = std::make_unique<MKLabelLayer>();
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
@@ -69,6 +71,7 @@ void MKMapView::setScrollEnabled(bool enabled) {
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
     _tiles->setSource(source);
+    _labelsFailed = false;
     layOutFurniture();
     setNeedsDisplay();
 }

@@ -21,6 +21,7 @@ class CLLocationProvider;
 class DispatchTimer;
 class MKAnnotationContainerView;
 class MKAttributionView;
+class MKLabelLayer;
 class MKMotion;
 class MKOverlay;
 class MKOverlayLayer;
@@ -192,6 +193,9 @@ private:
     void userNotLocated(const std::shared_ptr<NSError>& error);
     void removeUserLocation();
 
+    // Names: MKMapView+Labels.cpp
+    void drawLabels(const UIGraphicsContext& context);
+
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
     void tileFailed(const std::string& reason, bool mayPass);
@@ -258,6 +262,8 @@ private:
     std::shared_ptr<MKAttributionView> _attributionView;
 
     std::unique_ptr<MKTileLayer> _tiles;
+    std::unique_ptr<MKLabelLayer> _labels;
+    bool _labelsFailed = false; // the source's names cannot be had, which was logged
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
     unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate

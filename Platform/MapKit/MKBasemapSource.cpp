@@ -26,6 +26,10 @@ std::shared_ptr<const MKTile> MKBasemapSource::drawTile(const MKTileKey& key) co
     return MKBasemapPainter(_open(), _cells, _imagery, key).draw();
 }
 
+MKTileAttribution MKBasemapSource::attribution(MKMapType) const {
+    return {"Natural Earth", ""};
+}
+
 MKTileColor MKBasemapSource::backgroundColor(MKMapType mapType) const {
     return MKBasemapStyle::forMapType(mapType).sea;
 }

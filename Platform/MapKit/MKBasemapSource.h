@@ -21,6 +21,7 @@ public:
 
     std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const override;
     MKTileColor backgroundColor(MKMapType mapType) const override;
+    MKTileAttribution attribution(MKMapType mapType) const override;
     bool hasDarkPicture() const override { return true; }
     MKTileColor darkBackgroundColor(MKMapType mapType) const override;
     const BasemapNames* names(MKMapType mapType) const override;

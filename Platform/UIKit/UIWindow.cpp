@@ -103,6 +103,25 @@ void UIWindow::setVisible(bool visible) {
     idleStateChanged();
 }
 
+void UIWindow::setCaption(const UICaption& caption) {
+    if (caption == _caption)
+        return;
+    _caption = caption;
+    if (const auto handler = _captionHandler)
+        handler(caption);
+}
+
+void UIWindow::setCaptionHandler(std::function<void(const UICaption&)> handler) {
+    _captionHandler = std::move(handler);
+    if (const auto handing = _captionHandler; handing && _caption != UICaption())
+        handing(_caption);
+}
+
+void UIWindow::openURL(const std::string& url) {
+    if (const auto handler = _openURLHandler)
+        handler(url);
+}
+
 void UIWindow::sendEvent(const UIEvent& event) {
     const auto self = sharedView(); // handlers may drop the window
     std::visit(Overloaded{[this](const UITouchEvent& touch) { _gestures->handleTouch(*this, touch); },

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <string>
 #include <vector>
 
 typedef struct _cairo_surface cairo_surface_t;
@@ -16,6 +17,13 @@ typedef struct _cairo_surface cairo_surface_t;
 namespace veyra {
 
 class UIGestureEnvironment;
+
+/// A line of text that belongs to what a window shows, for those who do not see it, with the address that it leads to.
+struct UICaption {
+    std::string text; ///< "" for none
+    std::string url;  ///< http or https, or ""
+    friend bool operator==(const UICaption&, const UICaption&) = default;
+};
 
 class UIWindow final : public UIView {
 public:
@@ -49,6 +57,15 @@ public:
     UIInputPolicy inputPolicy() const;
     /// Views publish here what they use; see UIInputPolicy.
     void setInputPolicy(const UIInputPolicy& policy);
+
+    /// Views publish here what a host hands on to assistive technology.
+    const UICaption& caption() const { return _caption; }
+    void setCaption(const UICaption& caption);
+    /// `handler` is called on the main queue with each new caption, and at once when there is one already.
+    void setCaptionHandler(std::function<void(const UICaption&)> handler);
+    /// Views ask the host to show the user what is at an address; a host without a handler does nothing.
+    void openURL(const std::string& url);
+    void setOpenURLHandler(std::function<void(const std::string&)> handler) { _openURLHandler = std::move(handler); }
 
     /// True when the next `drawFrame` has something to do.
     bool needsFrame() const;
@@ -108,6 +125,9 @@ private:
     std::vector<std::weak_ptr<UIView>> _animating;
     std::function<void()> _frameRequestHandler;
     std::function<void()> _idleHandler;
+    UICaption _caption;
+    std::function<void(const UICaption&)> _captionHandler;
+    std::function<void(const std::string&)> _openURLHandler;
     std::atomic<unsigned> _inputPolicy{0};
     std::unique_ptr<UIGestureEnvironment> _gestures;
 };

@@ -117,13 +117,15 @@ void measureGestures(PageHost& host, ScreenFrames& screen) {
 void measureConversions(PageHost& host) {
     const double nanoseconds = std::atof(host.run("return await conversions()").c_str());
     figure("convertCoordinateToPoint, calls a second", 1e3 / nanoseconds, "million");
-    const auto memory = [&] { return std::atof(host.run("return await conversions(10)").c_str()); };
-    const double before = residentMegabytes(host.webProcess());
-    for (int i = 0; i < 10; ++i)
-        host.run("await conversions(5)");
-    memory();
-    host.collectGarbage();
-    figure("memory after 10 million more", residentMegabytes(host.webProcess()) - before, "MB more");
+    const auto memory = [&] {
+        host.collectGarbage();
+        host.wait(1);
+        return residentMegabytes(host.webProcess());
+    };
+    host.run("await conversions(10)");
+    const double before = memory();
+    host.run("await conversions(50)");
+    figure("conversions: memory after 10 million more calls", memory() - before, "MB more");
 }
 
 // `content` is a script expression, `add` a call that adds it.

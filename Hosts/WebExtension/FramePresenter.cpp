@@ -80,7 +80,7 @@ void FramePresenter::stop() {
     _surface.detach();
 }
 
-void FramePresenter::layOut(CGSize size, double scale, bool isVisible) {
+void FramePresenter::layOut(CGSize size, double scale, bool isVisible, UIUserInterfaceStyle style) {
     if (size != _size || scale != _scale) {
         _size = size;
         _scale = scale;
@@ -92,11 +92,16 @@ void FramePresenter::layOut(CGSize size, double scale, bool isVisible) {
         _isWanted = true;
         dispatch_async(dispatch_get_main_queue(), [window = _window, isVisible] { window->setVisible(isVisible); });
     }
+    if (style != _style) {
+        _style = style;
+        _isWanted = true;
+        dispatch_async(dispatch_get_main_queue(), [window = _window, style] { window->setUserInterfaceStyle(style); });
+    }
     advance();
 }
 
 void FramePresenter::suspend() {
-    layOut(_size, _scale, false);
+    layOut(_size, _scale, false, _style);
 }
 
 void FramePresenter::frameWanted() {

@@ -25,6 +25,7 @@
     const isShown = () => document.visibilityState === 'visible' && innerWidth > 0 && innerHeight > 0;
     const isEmpty = (rect) => rect === null || rect.width === 0 || rect.height === 0;
     const maps = new Map(); // by element
+    const darkScheme = matchMedia('(prefers-color-scheme: dark)');
     const unparsed = new Set(); // elements whose parameters the parser may still add
     let hidden = false;
 
@@ -178,7 +179,7 @@
         report() {
             if (this.isMeasured())
                 host.layOut(this.handle, this.rect.width, this.rect.height, devicePixelRatio,
-                    this.intersecting && !hidden && isShown());
+                    this.intersecting && !hidden && isShown(), darkScheme.matches);
         }
 
         requestFrame() {
@@ -390,6 +391,7 @@
             (!isShown() || [...maps.values()].every((map) => map.isUpToDate()));
     }
 
+    darkScheme.addEventListener('change', reportAll);
     onResolution();
     documentChanged();
     window[registryKey] = { find };

@@ -17,6 +17,7 @@ constexpr float liftHeight = 14;
 void MKAnnotationContainerView::addRecognizers() {
     const auto takesPress = [this](UIView& touched, const UITouchEvent&) {
         _pressed = _hit;
+        setFocus({});
         return &touched == this && _pressed != none;
     };
     _tapRecognizer = std::make_shared<UITapGestureRecognizer>();
@@ -109,6 +110,7 @@ void MKAnnotationContainerView::beginDrag(uint32_t number, CGPoint at) {
     if (_selected == number) {
         hideCallout();
     }
+    publishKeys();
     setDragState(view, MKAnnotationViewDragStateStarting);
     if (_dragged == number && view->dragState() == MKAnnotationViewDragStateStarting) {
         setDragState(view, MKAnnotationViewDragStateDragging);
@@ -141,6 +143,7 @@ void MKAnnotationContainerView::endDrag(bool cancelled) {
     damage(number);
     _store[number].lift = 0;
     _dragged = none;
+    _dragsByKeys = false;
     damage(number);
     if (cancelled) {
         annotation->setCoordinate(_coordinateBeforeDrag);
@@ -151,6 +154,7 @@ void MKAnnotationContainerView::endDrag(bool cancelled) {
     if (_selected != none && _store.find(annotation.get()) == _selected) {
         showCallout();
     }
+    publishKeys();
     if (_dragRecognizer->state() != UIGestureRecognizerState::Possible) {
         _dragRecognizer->cancel(); // the drag was ended by others
     }

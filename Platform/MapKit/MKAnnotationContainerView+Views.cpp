@@ -65,6 +65,8 @@ void MKAnnotationContainerView::bringViewsUpToDate() {
         updateArea();
         askForWantedViews(firstAskingTime);
     }
+    checkFocus();
+    publishKeys();
 }
 
 // Takes the views away that have left the area, and notes which annotations have come into it.
@@ -206,6 +208,11 @@ void MKAnnotationContainerView::removeOne(const std::shared_ptr<MKAnnotation>& a
         detach(number);
     }
     _store.remove(number);
+    if (number == _focus.number) {
+        setFocus({});
+    } else {
+        publishKeys();
+    }
 }
 
 void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnnotation>& annotation) {
@@ -291,6 +298,7 @@ void MKAnnotationContainerView::reportAddedViews() {
     if (views.empty()) {
         return;
     }
+    publishKeys();
     const auto map = _map.lock();
     if (const auto delegate = this->delegate()) {
         runGuarded("added annotation views", [&] { delegate->mapViewDidAddAnnotationViews(*map, views); });

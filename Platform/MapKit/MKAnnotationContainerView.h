@@ -20,6 +20,7 @@ class MKCalloutView;
 class MKMapView;
 class MKMapViewDelegate;
 class MKUserLocationView;
+class UIButton;
 class UIGestureRecognizer;
 class UILongPressGestureRecognizer;
 class UITapGestureRecognizer;
@@ -59,6 +60,9 @@ public:
     bool stepAnimations(double timestamp) override;
     bool isIdle() const override;
     bool handleKey(const UIKeyEvent& event) override;
+    void handleFocus(const UIFocusEvent& event) override;
+    /// Adds the keys that annotations use now.
+    void addKeysTo(UIInputPolicy& policy);
     void layoutSubviews() override { placeCallout(); }
 
 protected:
@@ -134,6 +138,25 @@ private:
     void setDragState(const std::shared_ptr<MKAnnotationView>& view, MKAnnotationViewDragState state);
     bool isDragging() const { return _dragged != none; }
 
+    // Keyboard: MKAnnotationContainerView+Focus.cpp
+    enum class FocusPart { View, LeftButton, RightButton };
+    struct Focus {
+        uint32_t number = none; // none: the map itself has it
+        FocusPart part = FocusPart::View;
+    };
+    bool canFocus(uint32_t number) const;
+    uint32_t focusableAfter(uint32_t number, bool forward);
+    std::shared_ptr<UIButton> calloutButton(FocusPart part) const;
+    Focus focusAfter(const Focus& focus, bool forward);
+    void setFocus(const Focus& focus);
+    void checkFocus();
+    void publishKeys();
+    bool handleTab(bool forward);
+    bool handleEscape();
+    bool handleActivation(bool isSpace);
+    bool handleArrow(const UIKeyEvent& event);
+    void drawFocus(const UIGraphicsContext& context);
+
     std::weak_ptr<MKMapView> _map;
     MKAnnotationStore _store;
     MKReuseQueue _reuse;
@@ -170,6 +193,12 @@ private:
     uint32_t _dragged = none;
     CLLocationCoordinate2D _coordinateBeforeDrag;
     CGPoint _dragGrip; // from the finger to the coordinate's point
+    bool _dragsByKeys = false;
+    CGPoint _keyDragPoint; // where a finger would be
+
+    Focus _focus;
+    bool _tabLeaves = false; // the next Tab is the page's
+    bool _publishQueued = false;
 };
 
 } // namespace veyra

@@ -122,6 +122,13 @@ void MKCalloutView::setContent(const Content& content) {
     setNeedsDisplay();
 }
 
+void MKCalloutView::setFocusedButton(const std::shared_ptr<UIView>& button) {
+    if (button != _focusedButton) {
+        _focusedButton = button;
+        setNeedsDisplay();
+    }
+}
+
 double MKCalloutView::textWidth() const {
     return std::max(_titleWidth, _subtitleWidth);
 }
@@ -214,6 +221,13 @@ void MKCalloutView::drawRect(const UIGraphicsContext& context) {
     }
     if (_content.right) {
         right = body.maxX() - accessoryInset - accessoryWidth(_content.right) - accessoryGap;
+    }
+    if (_focusedButton) {
+        const CGRect frame = _focusedButton->frame();
+        cairo_arc(cairo, frame.center().x, frame.center().y, frame.size.width / 2 - 0.5, 0, 2 * M_PI);
+        cairo_set_source_rgb(cairo, 0.05, 0.42, 0.88);
+        cairo_set_line_width(cairo, 1.5);
+        cairo_stroke(cairo);
     }
     PangoContext* const text = newContext();
     const double middle = body.center().y;

@@ -70,11 +70,13 @@ void MKMapView::publishInputPolicy() {
     const auto window = this->window();
     _policyWindow = window;
     if (window) {
-        window->setInputPolicy({.usesDrags = _scrollEnabled,
-                                .usesScrolls = _zoomEnabled,
-                                .usesPinches = _zoomEnabled,
-                                .usesPanKeys = _scrollEnabled,
-                                .usesZoomKeys = _zoomEnabled});
+        UIInputPolicy policy{.usesDrags = _scrollEnabled,
+                             .usesScrolls = _zoomEnabled,
+                             .usesPinches = _zoomEnabled,
+                             .usesPanKeys = _scrollEnabled,
+                             .usesZoomKeys = _zoomEnabled};
+        _annotationContainer->addKeysTo(policy);
+        window->setInputPolicy(policy);
     }
 }
 

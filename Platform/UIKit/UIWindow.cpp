@@ -106,7 +106,8 @@ void UIWindow::sendEvent(const UIEvent& event) {
                                   if (view->handleScroll(scroll))
                                       return;
                           },
-                          [this](const UIKeyEvent& key) { offerKey(*this, key); }},
+                          [this](const UIKeyEvent& key) { offerKey(*this, key); },
+                          [this](const UIFocusEvent& focus) { tellFocus(*this, focus); }},
                event);
 }
 
@@ -121,19 +122,24 @@ bool UIWindow::offerKey(UIView& view, const UIKeyEvent& event) {
     return view.handleKey(event);
 }
 
+void UIWindow::tellFocus(UIView& view, const UIFocusEvent& event) {
+    const auto views = view.subviews();
+    for (const auto& below : views)
+        tellFocus(*below, event);
+    view.handleFocus(event);
+}
+
 void UIWindow::cancelTouches() {
     const auto self = sharedView();
     _gestures->cancelTouches();
 }
 
 UIInputPolicy UIWindow::inputPolicy() const {
-    const unsigned bits = _inputPolicy.load();
-    return {(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0, (bits & 16) != 0};
+    return UIInputPolicy::fromBits(_inputPolicy.load());
 }
 
 void UIWindow::setInputPolicy(const UIInputPolicy& policy) {
-    _inputPolicy = unsigned{policy.usesDrags} | unsigned{policy.usesScrolls} << 1 | unsigned{policy.usesPinches} << 2 |
-                   unsigned{policy.usesPanKeys} << 3 | unsigned{policy.usesZoomKeys} << 4;
+    _inputPolicy = policy.bits();
 }
 
 bool UIWindow::isIdle() const {

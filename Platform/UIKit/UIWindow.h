@@ -36,7 +36,7 @@ public:
     bool isVisible() const { return _visible; }
 
     /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
-    /// (scrolls), or to the views from the front down (keys).
+    /// (scrolls), or to the views from the front down (keys), or to all views (focus).
     void sendEvent(const UIEvent& event);
     /// Ends all touches as cancelled: the host lost the pointer.
     void cancelTouches();
@@ -80,6 +80,7 @@ private:
     void forgetAnimation(const UIView& view);
     void requestFrame();
     void reportIdle();
+    static void tellFocus(UIView& view, const UIFocusEvent& event);
     bool offerKey(UIView& view, const UIKeyEvent& event);
     void makeStore();
     PixelRect storeRect() const { return {0, 0, _pixelWidth, _pixelHeight}; }

@@ -159,6 +159,11 @@ void MKAnnotationContainerView::detach(uint32_t number) {
     entry.view = nullptr;
     entry.waitsToDrop = false;
     entry.lift = 0;
+    for (uint32_t* const touched : {&_hit, &_pressed}) {
+        if (*touched == number) {
+            *touched = none;
+        }
+    }
     _orderIsStale = true;
     view->_observer = nullptr;
     view->_sprite = nullptr;

@@ -23,6 +23,8 @@ class MKUserLocationView;
 class UIButton;
 class UIGestureRecognizer;
 class UILongPressGestureRecognizer;
+class UIPanGestureRecognizer;
+class UIPinchGestureRecognizer;
 class UITapGestureRecognizer;
 
 class MKAnnotationContainerView final : public UIView, private MKAnnotationViewObserver {
@@ -49,6 +51,11 @@ public:
     void cameraDidChange();
     /// The map has come to rest: views are given, and taken away, at once.
     void bringViewsUpToDate();
+    /// Whether drags and pinches that begin on views move the map, as they do beside them.
+    void setMovesMap(bool byDrags, bool byPinches);
+    /// True while such a drag or pinch is under way.
+    bool isMovingMap() const;
+    bool isPinchingMap() const;
     /// A touch went down on the map beside all views.
     void mapTouched();
     /// The map was tapped beside all views.
@@ -189,6 +196,8 @@ private:
     uint32_t _pressed = none;                // the view under the touch that began last
     std::shared_ptr<UITapGestureRecognizer> _tapRecognizer;
     std::shared_ptr<UILongPressGestureRecognizer> _dragRecognizer;
+    std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
+    std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
 
     uint32_t _dragged = none;
     CLLocationCoordinate2D _coordinateBeforeDrag;

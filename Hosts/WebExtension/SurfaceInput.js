@@ -105,7 +105,7 @@
         }
 
         function onKeyDown(event) {
-            if (event.isComposing)
+            if (event.isComposing || event.target !== canvas)
                 return;
             const used = host.inputPolicy(map.handle); // as it is before the key
             host.key(map.handle, event.key, event.shiftKey, event.ctrlKey, event.altKey, event.metaKey, age(event));

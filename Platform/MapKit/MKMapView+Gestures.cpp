@@ -84,6 +84,7 @@ void MKMapView::publishInputPolicy() {
 void MKMapView::publishInputPolicyToNewWindow() {
     if (window() != _policyWindow.lock()) {
         publishInputPolicy();
+        publishCaption();
     }
 }
 

@@ -5,7 +5,10 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMotion.h"
+#include "Platform/MapKit/MKOverlayLayer.h"
+#include "Platform/MapKit/MKOverlayList.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
@@ -21,7 +24,7 @@ Class MKMapView::classObject() {
 MKMapView::MKMapView()
     : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
       _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()),
-      _userLocation(std::make_shared<MKUserLocation>()) {}
+      _userLocation(std::make_shared<MKUserLocation>()), _retryTimer(std::make_unique<DispatchTimer>()) {}
 
 MKMapView::~MKMapView() {
     if (_locationProvider) {
@@ -31,17 +34,22 @@ MKMapView::~MKMapView() {
 
 void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
+    _labels = std::make_unique<MKLabelLayer>();
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
-        [this](const std::string& reason) { tileFailed(reason); });
+        [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
+    _overlays = std::make_unique<MKOverlayList>();
+    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
     addRecognizers();
+    addFurniture();
     _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
-    addSubview(_annotationContainer);
+    addSubview(_annotationContainer); // above everything else
 }
 
 void MKMapView::setMapType(MKMapType mapType) {
     if (_mapType != mapType) {
         _mapType = mapType;
+        layOutFurniture();
         setNeedsDisplay();
     }
 }
@@ -65,6 +73,8 @@ void MKMapView::setScrollEnabled(bool enabled) {
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
     _tiles->setSource(source);
+    _labelsFailed = false;
+    layOutFurniture();
     setNeedsDisplay();
 }
 

@@ -6,6 +6,8 @@
 #include "Platform/UIKit/CGGeometry.h"
 
 #include <cstdint>
+#include <functional>
+#include <string_view>
 #include <vector>
 
 namespace veyra {
@@ -18,6 +20,13 @@ public:
     /// `pixels` are width × height premultiplied pixels by rows from the top. Null when their number is not that, or
     /// one of the sides is not above 0. A scale that is not finite or not above 0 counts as 1.
     static std::shared_ptr<UIImage> imageWithPixels(int pixelWidth, int pixelHeight, Pixels pixels, double scale = 1);
+    /// The picture that a PNG, JPEG, GIF (its first), still WebP or SVG file holds, upright, at scale 1; null for
+    /// anything else, for what is cut off, and for pictures of more than `maximumDecodedPixels`, which take no memory.
+    /// Decoding can take tens of milliseconds.
+    static std::shared_ptr<UIImage> imageWithData(std::string_view data);
+    /// The same on a thread of its own; `completion` is called on the main queue.
+    static void decodeData(std::string data, std::function<void(std::shared_ptr<UIImage>)> completion);
+    static constexpr int64_t maximumDecodedPixels = 2048 * 2048;
     /// The same pixels at another scale, by the same rule.
     std::shared_ptr<UIImage> imageWithScale(double scale) const;
 

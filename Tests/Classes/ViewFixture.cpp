@@ -42,10 +42,10 @@ class MainRole {
 public:
     MainRole() {
         g_main_context_release(webContext());
-        g_main_context_acquire(mainContext());
+        g_main_context_push_thread_default(mainContext());
     }
     ~MainRole() {
-        g_main_context_release(mainContext());
+        g_main_context_pop_thread_default(mainContext());
         g_main_context_acquire(webContext());
     }
     MainRole(const MainRole&) = delete;
@@ -115,6 +115,17 @@ void ViewFixture::onMain(const Block& block) {
 void ViewFixture::runMain() {
     const MainRole role;
     runQueue(dispatch_get_main_queue());
+}
+
+bool ViewFixture::runMainUntil(const std::function<bool()>& condition) {
+    const MainRole role;
+    for (int tries = 0; tries < 10000; ++tries) {
+        if (condition())
+            return true;
+        if (!g_main_context_iteration(mainContext(), FALSE))
+            g_usleep(1000);
+    }
+    return false;
 }
 
 void ViewFixture::runWeb() {

@@ -1,5 +1,7 @@
 #include "Platform/MapKit/MKCalloutView.h"
 
+#include "Platform/MapKit/MKLabelWriter.h"
+
 #include <pango/pangocairo.h>
 
 #include <algorithm>
@@ -17,11 +19,6 @@ constexpr double tipHalfWidth = 10;
 constexpr double widest = 300, narrowest = 60;
 constexpr double titleSize = 14.5, subtitleSize = 12; // of the fonts, in points of the map
 
-std::string& fontFamily() {
-    static auto* const family = new std::string("Noto Sans, Open Sans, DejaVu Sans, sans-serif");
-    return *family;
-}
-
 struct DestroyLayout {
     void operator()(PangoLayout* layout) const { g_object_unref(layout); }
 };
@@ -30,7 +27,7 @@ using Layout = std::unique_ptr<PangoLayout, DestroyLayout>;
 Layout layoutOf(PangoContext* context, const std::string& text, double size, bool bold) {
     Layout layout(pango_layout_new(context));
     PangoFontDescription* const font = pango_font_description_new();
-    pango_font_description_set_family(font, fontFamily().c_str());
+    pango_font_description_set_family(font, MKLabelWriter::fontFamily().c_str());
     pango_font_description_set_absolute_size(font, size * PANGO_SCALE);
     pango_font_description_set_weight(font, bold ? PANGO_WEIGHT_SEMIBOLD : PANGO_WEIGHT_NORMAL);
     pango_layout_set_font_description(layout.get(), font);
@@ -101,10 +98,6 @@ double accessoryWidth(const std::shared_ptr<UIView>& view) {
 Class MKCalloutView::classObject() {
     static auto* const cls = new ClassObject("MKCalloutView", UIView::classObject(), {});
     return cls;
-}
-
-void MKCalloutView::setFontFamily(const std::string& family) {
-    fontFamily() = family;
 }
 
 void MKCalloutView::setContent(const Content& content) {

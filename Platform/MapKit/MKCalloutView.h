@@ -21,10 +21,6 @@ public:
         friend bool operator==(const Content&, const Content&) = default;
     };
 
-    /// The family, or families by preference, of the text; DejaVu Sans for tests that compare pictures. For callouts
-    /// that are made from then on.
-    static void setFontFamily(const std::string& family);
-
     static std::shared_ptr<MKCalloutView> make() { return UIView::make<MKCalloutView>({}); }
 
     const Content& content() const { return _content; }

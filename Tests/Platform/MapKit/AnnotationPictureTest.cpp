@@ -3,7 +3,7 @@
 #include "Tests/Support/Picture.h"
 
 #include "Platform/CoreLocation/CLLocation.h"
-#include "Platform/MapKit/MKCalloutView.h"
+#include "Platform/MapKit/MKLabelWriter.h"
 #include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/UIKit/UIButton.h"
 
@@ -24,7 +24,7 @@ class AnnotationPictures : public AnnotationTest {
 protected:
     AnnotationPictures() {
         map->setTileSource(std::make_shared<GroundSource>());
-        MKCalloutView::setFontFamily("DejaVu Sans");
+        MKLabelWriter::setFontFamily("DejaVu Sans");
     }
 
     std::shared_ptr<TestAnnotation> addPin(CLLocationCoordinate2D place, uint64_t color = 0) {

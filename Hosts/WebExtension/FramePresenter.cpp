@@ -67,6 +67,14 @@ void FramePresenter::start() {
                 }
             });
         });
+        window->setAccessibilityHandler([weak](const UIAccessibilityState& state) {
+            webThread().async([weak, state] {
+                if (const auto self = weak.lock()) {
+                    self->_newAccessibilityState = state;
+                    self->advance();
+                }
+            });
+        });
         window->setOpenURLHandler([weak](const std::string&) {
             webThread().async([weak] {
                 if (const auto self = weak.lock(); self && self->isShown())
@@ -114,6 +122,9 @@ void FramePresenter::advance() {
         if (_newCaption)
             _surface.setCaption(_newCaption->text, _newCaption->url);
         _newCaption.reset();
+        if (_newAccessibilityState)
+            _surface.setAccessibilityState(*_newAccessibilityState);
+        _newAccessibilityState.reset();
         if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
             startDrawing();
         if ((_isDrawing || _isReady) && !_isFrameRequested) {

@@ -26,11 +26,13 @@ void WebScriptObject::report(JSValueRef exception) const {
 id WebScriptObject::valueForKey(const NSString& key) {
     if (!scriptObject())
         return id();
+    if (_ahead)
+        if (const auto value = _ahead->take(key))
+            return value->isUndefined() ? valueForUndefinedKey(key) : *value;
     const auto self = shared_from_this(); // a getter may drop what holds this object
-    JSStringRef name = ScriptContext::makeString(key);
     JSValueRef exception = nullptr;
-    const JSValueRef value = JSObjectGetProperty(_context->_context, _object, name, &exception);
-    JSStringRelease(name);
+    const JSValueRef value =
+        JSObjectGetProperty(_context->_context, _object, ScriptContext::keyString(key), &exception);
     if (exception) {
         report(exception);
         return valueForUndefinedKey(key);
@@ -62,10 +64,8 @@ id WebScriptObject::callWebScriptMethod(const NSString& name, const NSArray& arg
     // Settles at its end what the call wraps.
     const ScriptCall call(*_context);
 
-    JSStringRef method = ScriptContext::makeString(name);
     JSValueRef exception = nullptr;
-    const JSValueRef function = JSObjectGetProperty(context, _object, method, &exception);
-    JSStringRelease(method);
+    const JSValueRef function = JSObjectGetProperty(context, _object, ScriptContext::keyString(name), &exception);
     if (exception) {
         report(exception);
         return id();

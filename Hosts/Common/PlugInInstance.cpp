@@ -31,6 +31,7 @@ std::shared_ptr<PlugInInstance> PlugInInstance::create(const PlugInElement& elem
         instance->_view = VeyraView::plugInViewWithArguments(arguments);
         instance->_view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
         instance->_window->addSubview(instance->_view);
+        instance->_view->mapView()->setLocationProvider(element.locationProvider);
     });
     if (!instance->_view)
         return nullptr; // the queue has logged why

@@ -45,7 +45,7 @@ bool isPageSettled(WebKitWebPage* page, std::vector<std::shared_ptr<UIWindow>>& 
         if (!frame->isSettled())
             return false;
         for (const auto& map : frame->maps()) {
-            if (!map->presenter().isSettled())
+            if (!map->presenter().isSettled() || map->location().isAsking())
                 return false;
             if (map->presenter().isShown())
                 windows.push_back(map->window());

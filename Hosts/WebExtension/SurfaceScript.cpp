@@ -5,9 +5,13 @@
 
 namespace veyra {
 
+void SurfaceScript::call(const char* name) {
+    callMethod(_context, _surface, name, {});
+}
+
 void SurfaceScript::requestFrame() {
     ++frameStatistics().animationFramesRequested;
-    callMethod(_context, _surface, "requestFrame", {});
+    call("requestFrame");
 }
 
 std::shared_ptr<PixelBuffers> SurfaceScript::allocate(int width, int height, double scale) {

@@ -29,20 +29,11 @@ SoupSession* mainQueueHTTPSession() {
     GMainContext* const context = dispatch_get_main_queue().context();
     if (contextOfSession != context) {
         // A host replaces its main queue at most before anything is loaded.
-        const MainQueueContextScope scope;
         g_clear_object(&session);
         session = makeSession();
         contextOfSession = context;
     }
     return session;
-}
-
-MainQueueContextScope::MainQueueContextScope() : _context(dispatch_get_main_queue().context()) {
-    g_main_context_push_thread_default(_context);
-}
-
-MainQueueContextScope::~MainQueueContextScope() {
-    g_main_context_pop_thread_default(_context);
 }
 
 } // namespace veyra

@@ -1,7 +1,6 @@
 #include "Platform/Foundation/NSFileURLProtocol.h"
 
 #include "Platform/Foundation/GIOCallback.h"
-#include "Platform/Foundation/HTTPSession.h"
 
 #include <algorithm>
 
@@ -58,7 +57,6 @@ void NSFileURLProtocol::failWith(const GError& error) {
 }
 
 void NSFileURLProtocol::query() {
-    const MainQueueContextScope scope;
     g_file_query_info_async(
         _file, G_FILE_ATTRIBUTE_STANDARD_TYPE "," G_FILE_ATTRIBUTE_STANDARD_SIZE, G_FILE_QUERY_INFO_NONE,
         G_PRIORITY_DEFAULT, _cancellable,
@@ -84,7 +82,6 @@ void NSFileURLProtocol::gotInformation(GFileInfo* information) {
 }
 
 void NSFileURLProtocol::open() {
-    const MainQueueContextScope scope;
     g_file_read_async(
         _file, G_PRIORITY_DEFAULT, _cancellable,
         [](GObject* file, GAsyncResult* result, gpointer data) {
@@ -110,7 +107,6 @@ void NSFileURLProtocol::gotStream(GInputStream* stream) {
 void NSFileURLProtocol::read() {
     if (_left <= 0)
         return finish();
-    const MainQueueContextScope scope;
     g_input_stream_read_bytes_async(
         _stream, static_cast<gsize>(std::min(_left, chunk)), G_PRIORITY_DEFAULT, _cancellable,
         [](GObject* stream, GAsyncResult* result, gpointer data) {

@@ -18,16 +18,8 @@ std::shared_ptr<NSHTTPURLProtocol> selfOf(gpointer data) {
     return std::static_pointer_cast<NSHTTPURLProtocol>(fromCallbackData<NSURLProtocol>(data));
 }
 
-int64_t announcedLength(SoupMessage* message) {
-    SoupMessageHeaders* const headers = soup_message_get_response_headers(message);
-    switch (soup_message_headers_get_encoding(headers)) {
-    case SOUP_ENCODING_CONTENT_LENGTH:
-        return soup_message_headers_get_content_length(headers);
-    case SOUP_ENCODING_NONE: // a status that comes without a body
-        return 0;
-    default:
-        return NSURLResponseUnknownLength;
-    }
+bool hasNoBody(unsigned status) {
+    return status == SOUP_STATUS_NO_CONTENT || status == SOUP_STATUS_NOT_MODIFIED;
 }
 
 std::map<std::string, std::string> headerFields(SoupMessage* message) {
@@ -44,10 +36,24 @@ std::map<std::string, std::string> headerFields(SoupMessage* message) {
     return fields;
 }
 
-/// True for a redirection that was not followed: one that leads to another kind of address.
-bool leadsElsewhere(SoupMessage* message) {
-    return SOUP_STATUS_IS_REDIRECTION(soup_message_get_status(message)) &&
-           soup_message_headers_get_one(soup_message_get_response_headers(message), "Location");
+int64_t announcedLength(SoupMessage* message) {
+    if (hasNoBody(soup_message_get_status(message)))
+        return 0;
+    SoupMessageHeaders* const headers = soup_message_get_response_headers(message);
+    return soup_message_headers_get_encoding(headers) == SOUP_ENCODING_CONTENT_LENGTH
+               ? soup_message_headers_get_content_length(headers)
+               : NSURLResponseUnknownLength;
+}
+
+/// A message for the address, or null for one that names no host.
+SoupMessage* makeMessage(const NSURL& url) {
+    GUri* const uri = g_uri_parse(url.absoluteString().utf8().c_str(), GUriFlags(SOUP_HTTP_URI_FLAGS), nullptr);
+    if (!uri)
+        return nullptr;
+    const char* const host = g_uri_get_host(uri);
+    SoupMessage* const message = host && *host ? soup_message_new_from_uri("GET", uri) : nullptr;
+    g_uri_unref(uri);
+    return message;
 }
 
 } // namespace
@@ -66,8 +72,8 @@ NSHTTPURLProtocol::~NSHTTPURLProtocol() {
 }
 
 void NSHTTPURLProtocol::startLoading() {
-    _message = soup_message_new("GET", request().URL()->absoluteString().utf8().c_str());
-    if (!_message) // an address without a host
+    _message = makeMessage(*request().URL());
+    if (!_message)
         return failLater(NSURLErrorBadURL);
     SoupMessageHeaders* const headers = soup_message_get_request_headers(_message);
     soup_message_headers_replace(headers, "Accept-Encoding", "identity");
@@ -122,7 +128,6 @@ void NSHTTPURLProtocol::failWith(const GError& error) {
 }
 
 void NSHTTPURLProtocol::send() {
-    const MainQueueContextScope scope;
     soup_session_send_async(
         mainQueueHTTPSession(), _message, G_PRIORITY_DEFAULT, _cancellable,
         [](GObject* session, GAsyncResult* result, gpointer data) {
@@ -141,8 +146,6 @@ void NSHTTPURLProtocol::gotStream(GInputStream* stream) {
     _stream = G_INPUT_STREAM(g_object_ref(stream));
     noteProgress();
     reportRedirection();
-    if (leadsElsewhere(_message))
-        return fail(NSURLErrorUnsupportedURL);
     if (const auto listening = client())
         listening->didReceiveResponse(
             {announcedLength(_message), static_cast<int>(soup_message_get_status(_message)), headerFields(_message)});
@@ -151,7 +154,6 @@ void NSHTTPURLProtocol::gotStream(GInputStream* stream) {
 }
 
 void NSHTTPURLProtocol::read() {
-    const MainQueueContextScope scope;
     g_input_stream_read_bytes_async(
         _stream, chunk, G_PRIORITY_DEFAULT, _cancellable,
         [](GObject* stream, GAsyncResult* result, gpointer data) {

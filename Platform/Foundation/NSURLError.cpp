@@ -38,8 +38,9 @@ NSURLErrorCode codeOfSessionError(int code) {
     case SOUP_SESSION_ERROR_TOO_MANY_RESTARTS:
         return NSURLErrorHTTPTooManyRedirects;
     case SOUP_SESSION_ERROR_REDIRECT_NO_LOCATION:
-    case SOUP_SESSION_ERROR_REDIRECT_BAD_URI:
         return NSURLErrorRedirectToNonExistentLocation;
+    case SOUP_SESSION_ERROR_REDIRECT_BAD_URI: // also one to another kind of address
+        return NSURLErrorUnsupportedURL;
     default:
         return NSURLErrorBadServerResponse;
     }

@@ -3,7 +3,9 @@
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/MapKit/MKAttributionView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMapView.h"
+#include "Platform/MapKit/MKOverlayLayer.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/UIKit/UIPinchGestureRecognizer.h"
 #include "Platform/UIKit/UIWindow.h"
@@ -33,13 +35,18 @@ void MKMapView::drawRect(const UIGraphicsContext& context) {
     }
     const auto* animation = dynamic_cast<const MKCameraAnimation*>(_motion.get());
     const bool pinching = _changing && _changedByFingers && !_motion && _pinchRecognizer->numberOfTouches() > 1;
+    const bool scaleIsChanging = followScale() || pinching || (_motion && _motion->changesScale());
     _tiles->setScene({.camera = _camera,
                       .viewSize = _viewSize,
                       .deviceScale = context.scale,
                       .mapType = _mapType,
-                      .scaleIsChanging = followScale() || pinching || (_motion && _motion->changesScale()),
+                      .style = window()->userInterfaceStyle(),
+                      .scaleIsChanging = scaleIsChanging,
                       .destination = animation ? std::optional(animation->target()) : std::nullopt});
     _tiles->draw(context);
+    drawLabels(context);
+    _overlayLayer->setScene(_camera, _viewSize, context.scale, scaleIsChanging);
+    _overlayLayer->draw(context);
     reportLoading();
 }
 
@@ -62,7 +69,7 @@ bool MKMapView::followScale() {
 
 bool MKMapView::isIdle() const {
     return !_changing && !_scaleKeepsChanging && _loading == Loading::Nothing && _queuedReports == 0 &&
-           !_tiles->isWaiting();
+           !_tiles->isWaiting() && _labels->isComplete() && !_overlayUpdateQueued && !_overlayLayer->isWaiting();
 }
 
 void MKMapView::tilesArrivedIn(const CGRect& area) {

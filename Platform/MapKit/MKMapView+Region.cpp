@@ -1,6 +1,7 @@
 // What the map shows, how that is asked for, and how its changes are reported.
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/Foundation/NSLog.h"
+#include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKTileLayer.h"
@@ -120,6 +121,7 @@ void MKMapView::endChange() {
     _motionTimer->cancel();
     moveCamera(_camera.normalized());
     setNeedsDisplay(); // the picture of a movement gives way to the exact one
+    _annotationContainer->bringViewsUpToDate();
     if (const auto delegate = _delegate.lock()) {
         delegate->mapViewRegionDidChangeAnimated(*this, _changeAnimated);
     }
@@ -163,7 +165,9 @@ void MKMapView::moveCamera(const MKCamera& camera) {
         _camera = camera;
         layOutFurniture();
         setNeedsDisplay();
+        _annotationContainer->cameraDidChange();
     }
+    askForOverlaysThatCameIntoSight();
 }
 
 bool MKMapView::canAnimate() const {

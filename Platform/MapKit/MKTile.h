@@ -6,6 +6,7 @@
 #include "Platform/MapKit/ImageTiles/MKTileImage.h"
 #include "Platform/MapKit/MKMapType.h"
 #include "Platform/MapKit/MKTileAttribution.h"
+#include "Platform/UIKit/UIUserInterfaceStyle.h"
 
 #include <cairo.h>
 
@@ -18,6 +19,7 @@
 
 namespace veyra {
 
+class BasemapNames;
 class MKImageSet;
 struct MKTileImages;
 
@@ -32,6 +34,7 @@ struct MKTileKey {
     double scale = 0;       ///< device pixels a map point, exact: pictures of other scales are other tiles
     double deviceScale = 1; ///< device pixels a point, for the widths of lines
     int32_t column = 0, row = 0;
+    UIUserInterfaceStyle style = UIUserInterfaceStyleLight; ///< dark only for sources that have a dark picture
     friend bool operator==(const MKTileKey&, const MKTileKey&) = default;
 
     /// The side in map points.
@@ -96,6 +99,13 @@ public:
     }
     /// Whose data the tiles of a map type show. May change once the first of them are there.
     virtual MKTileAttribution attribution(MKMapType) const { return {}; }
+
+    /// Whether the picture for dark surroundings is another one.
+    virtual bool hasDarkPicture() const { return false; }
+    /// The colour behind that picture.
+    virtual MKTileColor darkBackgroundColor(MKMapType mapType) const { return backgroundColor(mapType); }
+    /// Names to be written over the picture, or null. Throws like `drawTile`. They live as long as the source.
+    virtual const BasemapNames* names(MKMapType) const { return nullptr; }
     /// Unique in the process and never used again.
     uint64_t identifier() const { return _identifier; }
 
@@ -111,6 +121,7 @@ struct std::hash<veyra::MKTileKey> {
         size_t value = std::hash<uint64_t>()(key.source) * 31 + key.mapType;
         value = value * 1000003 + std::hash<double>()(key.scale);
         value = value * 1000003 + std::hash<double>()(key.deviceScale);
+        value = value * 31 + key.style;
         value = value * 1000003 + static_cast<uint32_t>(key.column);
         return value * 1000003 + static_cast<uint32_t>(key.row);
     }

@@ -46,7 +46,9 @@ public:
             }
             drawGeneration(*generation.tile);
         }
-        setColor(_cairo, _layer._source->backgroundColor(_layer._scene->mapType));
+        const MKMapType mapType = _layer._scene->mapType;
+        setColor(_cairo, _layer.shownStyle() == UIUserInterfaceStyleDark ? _layer._source->darkBackgroundColor(mapType)
+                                                                         : _layer._source->backgroundColor(mapType));
         fill(_uncovered);
     }
 
@@ -69,7 +71,8 @@ private:
 
     double distanceTo(const MKTile& tile) const {
         const MKTileKey& key = tile.key();
-        const bool sameWorld = key.source == _layer._source->identifier() && key.mapType == _layer._scene->mapType;
+        const bool sameWorld = key.source == _layer._source->identifier() && key.mapType == _layer._scene->mapType &&
+                               key.style == _layer.shownStyle();
         const double levels = std::abs(std::log2(key.scale / _layer._view.scale)) + tile.quality().coarseness;
         return levels + (sameWorld ? 0 : 1000) + (key.deviceScale == _layer._scene->deviceScale ? 0 : 0.25);
     }

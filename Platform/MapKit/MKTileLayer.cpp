@@ -53,7 +53,12 @@ void MKTileLayer::forgetFailures() {
 }
 
 MKTileKey MKTileLayer::keyFor(double scale, int32_t column, int32_t row) const {
-    return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row};
+    return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row, shownStyle()};
+}
+
+UIUserInterfaceStyle MKTileLayer::shownStyle() const {
+    const bool isDark = _scene->style == UIUserInterfaceStyleDark && _source->hasDarkPicture();
+    return isDark ? UIUserInterfaceStyleDark : UIUserInterfaceStyleLight;
 }
 
 double MKTileLayer::neededScale() const {
@@ -127,7 +132,7 @@ void MKTileLayer::wantOverview() {
 
 bool MKTileLayer::isOverview(const MKTileKey& key) const {
     return key.scale == overviewScale && key.source == _source->identifier() && key.mapType == _scene->mapType &&
-           key.deviceScale == _scene->deviceScale;
+           key.style == shownStyle() && key.deviceScale == _scene->deviceScale;
 }
 
 bool MKTileLayer::needs(const MKTileKey& key) const {

@@ -22,6 +22,7 @@ struct MKTileScene {
     CGSize viewSize;
     double deviceScale = 1;
     MKMapType mapType = MKMapTypeStandard;
+    UIUserInterfaceStyle style = UIUserInterfaceStyleLight;
     bool scaleIsChanging = false;
     std::optional<MKCamera> destination; ///< where a movement leads
     friend bool operator==(const MKTileScene&, const MKTileScene&) = default;
@@ -43,6 +44,10 @@ public:
     /// Draws the scene, inside the context's clip.
     void draw(const UIGraphicsContext& context) const;
 
+    const MKTileSource& source() const { return *_source; }
+    /// What was shown last; nothing before the first time.
+    const std::optional<MKTileScene>& scene() const { return _scene; }
+
     /// True while the scene lacks tiles that may still come.
     bool isWaiting() const { return _missing > 0; }
     /// Lets failed tiles be asked for again with the next scene.
@@ -63,6 +68,7 @@ private:
     /// True when the tile itself, not what stands in for it, is held or in the cache, from which it is taken.
     bool isHeld(const MKTileKey& key);
     void forgetUseless();
+    UIUserInterfaceStyle shownStyle() const;
     bool isOverview(const MKTileKey& key) const;
     bool needs(const MKTileKey& key) const;
 

@@ -69,6 +69,13 @@ void UIWindow::setSize(CGSize points, double scale) {
     setNeedsDisplay();
 }
 
+void UIWindow::setUserInterfaceStyle(UIUserInterfaceStyle style) {
+    if (_userInterfaceStyle != style) {
+        _userInterfaceStyle = style;
+        setNeedsDisplay();
+    }
+}
+
 void UIWindow::makeStore() {
     if (_surface)
         cairo_surface_destroy(_surface);

@@ -4,6 +4,7 @@
 
 #include "Platform/UIKit/DamageList.h"
 #include "Platform/UIKit/UIEvent.h"
+#include "Platform/UIKit/UIUserInterfaceStyle.h"
 #include "Platform/UIKit/UIView.h"
 
 #include <atomic>
@@ -42,6 +43,10 @@ public:
     /// A hidden window asks for no frames.
     void setVisible(bool visible);
     bool isVisible() const { return _visible; }
+
+    /// What the window's surroundings look like; light at first. A change draws everything anew.
+    UIUserInterfaceStyle userInterfaceStyle() const { return _userInterfaceStyle; }
+    void setUserInterfaceStyle(UIUserInterfaceStyle style);
 
     /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
     /// (scrolls), or to the views from the front down (keys).
@@ -110,6 +115,7 @@ private:
     double _scale = 1;
     int _pixelWidth = 0, _pixelHeight = 0;
     bool _visible = true;
+    UIUserInterfaceStyle _userInterfaceStyle = UIUserInterfaceStyleLight;
     bool _frameRequested = false;
     bool _drawingFrame = false;
     bool _wasIdle = true;

@@ -96,6 +96,8 @@ void HTTPServer::handle(int connection) {
         if (count <= 0)
             break;
         request.append(bytes, static_cast<size_t>(count));
+        if (request[0] != 'G') // no request that is understood here, a TLS greeting for one
+            break;
     }
     if (request.ends_with("\r\n\r\n")) {
         Answer found{.bytes =
@@ -125,6 +127,9 @@ void HTTPServer::send(int connection, const Answer& answer) {
         } while (!_stopping && std::chrono::steady_clock::now() < end);
         return _stopping.load();
     };
+    while (_held)
+        if (pause(0.005))
+            return;
     if (answer.delay > 0 && pause(answer.delay))
         return;
     const size_t piece = std::max<size_t>(1, (answer.bytes.size() + answer.pieces - 1) / answer.pieces);

@@ -33,6 +33,9 @@ public:
     /// A 200 with that body, its length announced.
     void serve(const std::string& path, const std::string& body, const std::string& type = "image/png");
 
+    /// While held, requests are taken and no answer is begun.
+    void hold(bool held) { _held = held; }
+
     /// The requests so far, each with its headers.
     std::vector<std::string> requests() const;
     /// How often the path was asked for.
@@ -48,6 +51,7 @@ private:
     int _socket = -1;
     unsigned _port = 0;
     std::atomic<bool> _stopping{false};
+    std::atomic<bool> _held{false};
     std::atomic<size_t> _abandoned{0};
     mutable std::mutex _mutex;
     std::map<std::string, Answer> _answers; // guarded by _mutex

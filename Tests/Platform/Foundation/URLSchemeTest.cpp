@@ -1,8 +1,6 @@
 // Loads from what is no HTTP server: data and file addresses, names that nobody knows, and what cannot be loaded.
 #include "Tests/Platform/Foundation/URLConnectionFixture.h"
 
-#include "Platform/Foundation/HTTPSession.h"
-
 #include <gio/gio.h>
 
 #include <filesystem>

@@ -1,67 +1,155 @@
-// The script side of annotations: what is refused is refused here, on the script's thread. The map shows no annotations
-// yet, so that its registry is empty and every identifier unknown.
+// The registry of annotations. Scripts' arguments are checked and records made on the script's thread; what the
+// registry and the map make of them happens on the main queue, in the order of the calls.
+#include "Classes/VeyraAnnotationSO.h"
 #include "Classes/VeyraConstants.h"
 #include "Classes/VeyraView.h"
 #include "Classes/WebScriptObject+VeyraExtras.h"
+#include "Platform/Foundation/NSException.h"
 
 namespace veyra {
 
 namespace {
 
-bool validateAnnotation(const id& annotation, const id& caller) {
+constexpr const char* cannotSelect = "Map does not have annotation with Id '%@'; cannot select";
+constexpr const char* cannotDeselect = "Map does not have annotation with Id '%@'; cannot deselect";
+constexpr const char* cannotRemove = "Map does not have annotation with Id '%@'; cannot remove";
+
+bool isNothing(const id& identifier) {
+    return identifier.isNil() || identifier.isUndefined();
+}
+
+/// The record for a script's annotation object, or null when that was refused, and reported.
+std::shared_ptr<VeyraAnnotationSO> makeRecord(const id& annotation, const id& caller) {
     if (!VeyraValidateWebScriptObject(
             annotation, nullptr, caller,
             {kOstrelAnnotationLatitude, kOstrelAnnotationLongitude, kOstrelAnnotationIdentifier}))
-        return false;
+        return nullptr;
     if (annotation.object()->valueForKey(kOstrelAnnotationIdentifier).isString())
-        return true;
+        return VeyraAnnotationSO::initWithWebScriptObject(*annotation.object());
     WebScriptObject::throwException("Annotation identifiers must be of type string");
-    return false;
+    return nullptr;
 }
 
 } // namespace
 
 void VeyraView::addAnnotation(const id& annotation) {
-    validateAnnotation(annotation, callerName("addAnnotation:"));
+    if (auto record = makeRecord(annotation, callerName("addAnnotation:")))
+        dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), record = std::move(record)] {
+            view->_internalAddAnnotation(record);
+        });
 }
 
 void VeyraView::addAnnotations(const id& annotations) {
     const id caller = callerName("addAnnotations:");
     if (!VeyraValidateWebScriptObject(annotations, nullptr, caller, {"length"}))
         return;
-    forEachElement(annotations, [&](const id& element) { validateAnnotation(element, caller); });
+    std::vector<std::shared_ptr<VeyraAnnotationSO>> records;
+    forEachElement(annotations, [&](const id& element) {
+        try {
+            if (auto record = makeRecord(element, caller))
+                records.push_back(std::move(record));
+        } catch (const NSException& exception) { // a value without a conversion spoils its own element alone
+            WebScriptObject::throwException(exception.reason());
+        }
+    });
+    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), records = std::move(records)] {
+        for (const auto& record : records)
+            runGuarded("addAnnotations", [&] { view->_internalAddAnnotation(record); });
+    });
 }
 
 void VeyraView::removeAnnotation(const id& identifier) {
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier] {
-        view->logVerbose("Map does not have annotation with Id '%@'; cannot remove", identifier);
-    });
+    dispatch_async(dispatch_get_main_queue(),
+                   [view = objectForWebScript(), identifier] { view->_internalRemoveAnnotation(identifier); });
 }
 
 void VeyraView::removeAnnotations(const id& identifiers) {
     if (!VeyraValidateWebScriptObject(identifiers, nullptr, callerName("removeAnnotations:"), {"length"}))
         return;
-    forEachElement(identifiers, [this](const id& identifier) { removeAnnotation(identifier); });
-}
-
-void VeyraView::selectAnnotationAnimated(const id& identifier, bool) {
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier] {
-        view->logVerbose("Map does not have annotation with Id '%@'; cannot select", identifier);
+    NSArray collected;
+    forEachElement(identifiers, [&](const id& identifier) {
+        if (!isNothing(identifier)) // which finds nothing: a false length costs no memory
+            collected.push_back(identifier);
+    });
+    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), collected = std::move(collected)] {
+        for (const id& identifier : collected)
+            view->_internalRemoveAnnotation(identifier);
     });
 }
 
-void VeyraView::deselectAnnotationAnimated(const id& identifier, bool) {
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier] {
-        view->logVerbose("Map does not have annotation with Id '%@'; cannot deselect", identifier);
+void VeyraView::selectAnnotationAnimated(const id& identifier, bool animated) {
+    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier, animated] {
+        if (const auto record = view->registeredAnnotation(identifier, cannotSelect))
+            view->_mapView->selectAnnotationAnimated(record, animated);
+    });
+}
+
+void VeyraView::deselectAnnotationAnimated(const id& identifier, bool animated) {
+    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier, animated] {
+        if (const auto record = view->registeredAnnotation(identifier, cannotDeselect))
+            view->_mapView->deselectAnnotationAnimated(record, animated);
     });
 }
 
 id VeyraView::annotations() const {
-    return id(NSArray());
+    NSArray identifiers;
+    const NSLockGuard guard(_lock);
+    identifiers.reserve(_mapAnnotations.size());
+    for (const auto& entry : _mapAnnotations)
+        identifiers.push_back(entry.first);
+    return id(std::move(identifiers));
 }
 
 id VeyraView::selectedAnnotations() const {
-    return id(NSArray());
+    const NSLockGuard guard(_lock);
+    return id(_selectedMapAnnotations);
+}
+
+std::shared_ptr<VeyraAnnotationSO> VeyraView::registeredAnnotation(const id& identifier, const char* complaint) const {
+    std::shared_ptr<VeyraAnnotationSO> record;
+    {
+        const NSLockGuard guard(_lock);
+        if (const auto found = _mapAnnotations.find(identifier); found != _mapAnnotations.end())
+            record = found->second;
+    }
+    if (!record && !isNothing(identifier))
+        logVerbose(complaint, identifier);
+    return record;
+}
+
+void VeyraView::_internalAddAnnotation(const std::shared_ptr<VeyraAnnotationSO>& record) {
+    const id& identifier = record->identifier();
+    if (isNothing(identifier))
+        return;
+    bool isRegistered;
+    {
+        const NSLockGuard guard(_lock);
+        isRegistered = _mapAnnotations.contains(identifier);
+    }
+    if (isRegistered)
+        logVerbose("Error: duplicate annotation identfier '%@'", identifier);
+    else if (record->imageURLString().isNil() || _mapAnnotationImages.contains(record->imageURLString()))
+        putOnMap(record);
+    else
+        deferAnnotation(record);
+}
+
+void VeyraView::putOnMap(const std::shared_ptr<VeyraAnnotationSO>& record) {
+    _mapView->addAnnotation(record);
+    std::shared_ptr<VeyraAnnotationSO> former = record; // outlives the guard: what it replaces is released without it
+    const NSLockGuard guard(_lock);
+    std::swap(_mapAnnotations[record->identifier()], former);
+}
+
+void VeyraView::_internalRemoveAnnotation(const id& identifier) {
+    const auto record = registeredAnnotation(identifier, cannotRemove);
+    if (!record)
+        return;
+    {
+        const NSLockGuard guard(_lock);
+        _mapAnnotations.erase(identifier);
+    }
+    _mapView->removeAnnotation(record);
 }
 
 } // namespace veyra

@@ -66,6 +66,7 @@ Class VeyraView::classObject() {
                             bindMethod<&VeyraView::insertOverlayAboveOverlay>("insertOverlay:aboveOverlay:"),
                             bindMethod<&VeyraView::insertOverlayBelowOverlay>("insertOverlay:belowOverlay:"),
 
+                            bindMethod<&VeyraView::allow>("allow"),
                             bindMethod<&VeyraView::deny>("deny"),
                             bindMethod<&VeyraView::denyOnlyThisRequest>("denyOnlyThisRequest"),
                             bindMethod<&VeyraView::shouldClearCache>("shouldClearCache"),

@@ -75,6 +75,10 @@ void VeyraView::updateLongPressGestureRecognizer(bool drops) {
         _longPressGestureRecognizer = std::make_shared<UILongPressGestureRecognizer>();
         _longPressGestureRecognizer->setNumberOfTouchesRequired(1);
         _longPressGestureRecognizer->setMinimumPressDuration(longPressDuration);
+        _longPressGestureRecognizer->setHandler([weak = std::weak_ptr(objectForWebScript())](auto& recognizer) {
+            if (const auto view = weak.lock())
+                view->handleLongPress(recognizer);
+        });
         _mapView->addGestureRecognizer(_longPressGestureRecognizer);
     } else if (!drops && _longPressGestureRecognizer) {
         _mapView->removeGestureRecognizer(_longPressGestureRecognizer);

@@ -9,6 +9,7 @@
 
 #include "Platform/Foundation/NSDictionary.h"
 #include "Platform/Foundation/NSLock.h"
+#include "Platform/Foundation/NSURLConnection.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/UIKit/UIButton.h"
 #include "Platform/UIKit/UILongPressGestureRecognizer.h"
@@ -19,6 +20,7 @@
 
 namespace veyra {
 
+class VeyraAnnotationSO;
 class VeyraOverlay;
 class VeyraRegionSO;
 class VeyraLocationCoordinateSO;
@@ -29,7 +31,7 @@ class VeyraUserLocationSO;
 inline constexpr const char* VeyraCreatedNotification = "VeyraCreatedNotification";
 inline constexpr const char* VeyraDestroyedNotification = "VeyraDestroyedNotification";
 
-class VeyraView final : public UIView, public MKMapViewDelegate {
+class VeyraView final : public UIView, public MKMapViewDelegate, public NSURLConnectionDelegate {
 public:
     VEYRA_CLASS()
 
@@ -132,7 +134,9 @@ public:
     bool userLocationVisible() const;
     /// The last position known; all fields 0 before the first.
     id userLocation() const;
-    /// The permission listener's refusals. Any thread.
+    /// The permission listener's answers: the display is switched as the script asked last, or off. Any thread; any
+    /// number of times.
+    void allow();
     void deny();
     void denyOnlyThisRequest() { deny(); }
     bool shouldClearCache() const { return true; }
@@ -170,6 +174,33 @@ public:
     void mapViewDidFailLoadingMapWithError(MKMapView& mapView, const std::shared_ptr<NSError>& error) override;
     void mapViewRegionWillChangeAnimated(MKMapView& mapView, bool animated) override;
     void mapViewRegionDidChangeAnimated(MKMapView& mapView, bool animated) override;
+    std::shared_ptr<MKAnnotationView>
+    mapViewViewForAnnotation(MKMapView& mapView, const std::shared_ptr<MKAnnotation>& annotation) override;
+    void mapViewDidAddAnnotationViews(MKMapView& mapView,
+                                      const std::vector<std::shared_ptr<MKAnnotationView>>& views) override;
+    void mapViewDidSelectAnnotationView(MKMapView& mapView, const std::shared_ptr<MKAnnotationView>& view) override;
+    void mapViewDidDeselectAnnotationView(MKMapView& mapView, const std::shared_ptr<MKAnnotationView>& view) override;
+    void mapViewAnnotationViewCalloutAccessoryControlTapped(MKMapView& mapView,
+                                                            const std::shared_ptr<MKAnnotationView>& view,
+                                                            const std::shared_ptr<UIView>& control) override;
+    void mapViewAnnotationViewDidChangeDragStateFromOldState(MKMapView& mapView,
+                                                             const std::shared_ptr<MKAnnotationView>& view,
+                                                             MKAnnotationViewDragState state,
+                                                             MKAnnotationViewDragState oldState) override;
+
+    // The image connections' callbacks. Main queue.
+
+    void connectionDidReceiveResponse(NSURLConnection& connection, const NSURLResponse& response) override;
+    void connectionDidReceiveData(NSURLConnection& connection, std::string_view bytes) override;
+    void connectionDidFinishLoading(NSURLConnection& connection) override;
+    void connectionDidFailWithError(NSURLConnection& connection, const std::shared_ptr<NSError>& error) override;
+
+    /// Busy while images are on their way.
+    bool isIdle() const override;
+    void mapViewWillStartLocatingUser(MKMapView& mapView) override;
+    void mapViewDidStopLocatingUser(MKMapView& mapView) override;
+    void mapViewDidUpdateUserLocation(MKMapView& mapView, const std::shared_ptr<MKUserLocation>& userLocation) override;
+    void mapViewDidFailToLocateUserWithError(MKMapView& mapView, const std::shared_ptr<NSError>& error) override;
     /// A view for the overlays that scripts have added; none for any other.
     std::shared_ptr<MKOverlayView> mapViewViewForOverlay(MKMapView& mapView,
                                                          const std::shared_ptr<MKOverlay>& overlay) override;
@@ -183,6 +214,8 @@ public:
     const std::shared_ptr<UILongPressGestureRecognizer>& longPressGestureRecognizer() const {
         return _longPressGestureRecognizer;
     }
+    const std::shared_ptr<UIButton>& infoLightButton() const { return _infoLightButton; }
+    const std::shared_ptr<UIButton>& detailDisclosureButton() const { return _detailDisclosureButton; }
     /// Views of the process that are not freed yet. Any thread.
     static size_t liveViews();
 
@@ -199,6 +232,30 @@ private:
     void setCenterFrom(const id& coordinate, SEL selector,
                        const std::function<void(MKMapView&, CLLocationCoordinate2D)>&);
     void updateLongPressGestureRecognizer(bool drops);
+
+    // Annotations: VeyraView+Annotations.cpp, +AnnotationViews.cpp and +AnnotationImages.cpp. Main queue.
+    using Records = std::vector<std::shared_ptr<VeyraAnnotationSO>>;
+    /// Puts the record on the map and registers it, now or when its image is there; one whose identifier is registered
+    /// is dropped.
+    void _internalAddAnnotation(const std::shared_ptr<VeyraAnnotationSO>& record);
+    void _internalRemoveAnnotation(const id& identifier);
+    void putOnMap(const std::shared_ptr<VeyraAnnotationSO>& record);
+    /// The record of that identifier, or null: then the verbose log says so.
+    std::shared_ptr<VeyraAnnotationSO> registeredAnnotation(const id& identifier, const char* complaint) const;
+    std::shared_ptr<MKAnnotationView> imageView(const std::shared_ptr<VeyraAnnotationSO>& record) const;
+    void handleLongPress(const UIGestureRecognizer& recognizer);
+    /// Holds the record back until its image is there, and starts to load that unless it is under way.
+    void deferAnnotation(const std::shared_ptr<VeyraAnnotationSO>& record);
+    /// The address that the delegate makes of a page's string, or that the string is; may be null.
+    std::shared_ptr<NSURL> URLForImage(const id& string);
+    void sendImageFailure(const VeyraAnnotationSO& record, int code, const id& url);
+    void imageDecoded(const id& string, const std::shared_ptr<UIImage>& image,
+                      const std::shared_ptr<NSURLConnection>& connection);
+    Records takeDeferredAnnotations(const id& string);
+    void countImageLoads(int change);
+
+    /// Asks the host's web view for permission to locate the user; one that cannot be asked has denied it.
+    void askForLocation();
     /// Runs the block with the map on the main queue; the view lives until then.
     void onMap(std::function<void(MKMapView&)> change);
     void logVerbose(const char* format, const id& argument) const;
@@ -223,6 +280,12 @@ private:
     std::atomic<double> _screenScale{0};
     // Main queue.
     std::shared_ptr<UILongPressGestureRecognizer> _longPressGestureRecognizer;
+    std::unordered_map<id, std::shared_ptr<UIImage>> _mapAnnotationImages; // by what pages call them
+    std::unordered_map<id, Records> _deferredAnnotations;                  // by the image that they wait for
+    std::unordered_map<id, std::string> _downloadsInProgress;              // what has come of each image
+    std::unordered_map<const NSURLConnection*, id> _URLsByConnection;      // entries stay when connections go
+    std::vector<std::shared_ptr<NSURLConnection>> _imageDownloadConnections;
+    int _imageLoads = 0; // loading or being decoded
 
     mutable NSLock _lock;
     std::weak_ptr<NSObject> _delegate VEYRA_GUARDED_BY(_lock);
@@ -232,6 +295,7 @@ private:
     MKMapRect _visibleMapRect VEYRA_GUARDED_BY(_lock){};
     CGSize _boundsSize VEYRA_GUARDED_BY(_lock){};
     bool _showsUserLocation VEYRA_GUARDED_BY(_lock) = false;
+    std::shared_ptr<MKUserLocation> _userLocation VEYRA_GUARDED_BY(_lock);
     bool _userLocationVisible VEYRA_GUARDED_BY(_lock) = false;
     uint64_t _mapType VEYRA_GUARDED_BY(_lock) = 0;
     bool _zoomEnabled VEYRA_GUARDED_BY(_lock) = true;
@@ -240,6 +304,8 @@ private:
     id _droppedPinTitle VEYRA_GUARDED_BY(_lock);
     id _droppedPinIdentifier VEYRA_GUARDED_BY(_lock);
     std::unordered_map<id, std::shared_ptr<VeyraOverlay>> _overlaysById VEYRA_GUARDED_BY(_lock);
+    std::unordered_map<id, std::shared_ptr<VeyraAnnotationSO>> _mapAnnotations VEYRA_GUARDED_BY(_lock);
+    NSArray _selectedMapAnnotations VEYRA_GUARDED_BY(_lock);
 };
 
 } // namespace veyra

@@ -31,6 +31,7 @@ std::shared_ptr<PlugInInstance> PlugInInstance::create(const PlugInElement& elem
         instance->_view = VeyraView::plugInViewWithArguments(arguments);
         instance->_view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
         instance->_window->addSubview(instance->_view);
+        instance->_view->mapView()->setLocationProvider(element.locationProvider);
     });
     if (!instance->_view)
         return nullptr; // the queue has logged why
@@ -48,6 +49,8 @@ void PlugInInstance::stop() {
     dispatch_async(dispatch_get_main_queue(), [view = std::move(_view), window = _window] {
         window->setFrameRequestHandler(nullptr);
         window->setIdleHandler(nullptr);
+        window->setCaptionHandler(nullptr);
+        window->setOpenURLHandler(nullptr);
         view->webPlugInDestroy();
         view->removeFromSuperview();
     });

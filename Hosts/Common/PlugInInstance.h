@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Classes/VeyraView.h"
+#include "Platform/CoreLocation/CLLocationProvider.h"
 #include "Platform/UIKit/UIWindow.h"
 #include "Platform/WebKit/WebPlugInContainer.h"
 
@@ -16,7 +17,8 @@ struct PlugInElement {
     std::map<std::string, std::string> attributes; ///< attributes and parameters, names in lower case
     std::string baseURL;
     std::shared_ptr<WebFrame> frame;
-    double screenScale = 1; ///< device pixels a point
+    double screenScale = 1;                               ///< device pixels a point
+    std::shared_ptr<CLLocationProvider> locationProvider; ///< null: the user cannot be located
 };
 
 class PlugInInstance : public std::enable_shared_from_this<PlugInInstance> {

@@ -1,9 +1,12 @@
 #include "Hosts/Veyra/CommandLine.h"
 
+#include "Hosts/Veyra/TileOptions.h"
+
 #include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <cmath>
+#include <unistd.h>
 
 namespace veyra {
 
@@ -44,6 +47,49 @@ void addTimeout(CLI::App& command, CommandLine& line, const char* description) {
     command.add_option("--timeout", line.timeout, description)->type_name("SECONDS")->check(CLI::Range(1e-3, 1e6));
 }
 
+LocationTrack checkedTrack(LocationTrack (*read)(const std::string&, std::string&), const std::string& text,
+                           const char* option) {
+    std::string problem;
+    LocationTrack track = read(text, problem);
+    if (!problem.empty())
+        throw CLI::ValidationError(option, problem);
+    return track;
+}
+
+void addLocation(CLI::App& command, CommandLine& line, const char* whoIsAsked) {
+    const std::map<std::string, GeolocationPolicy> policies{
+        {"ask", GeolocationPolicy::Ask}, {"allow", GeolocationPolicy::Allow}, {"deny", GeolocationPolicy::Deny}};
+    command.add_option("--geolocation", line.geolocation, whoIsAsked)
+        ->transform(CLI::CheckedTransformer(policies).description(""))
+        ->type_name("ask|allow|deny")
+        ->option_text("ask|allow|deny");
+    CLI::Option* place =
+        command
+            .add_option_function<std::string>(
+                "--location",
+                [&line](const std::string& text) { line.location = checkedTrack(readLocation, text, "--location"); },
+                "where the user is said to be (degrees, metres)")
+            ->type_name("LAT,LON[,ACCURACY[,ALTITUDE]]");
+    CLI::Option* track =
+        command
+            .add_option_function<std::string>(
+                "--location-track",
+                [&line](const std::string& path) { line.location = checkedTrack(readGPX, path, "--location-track"); },
+                "a recorded track that the user is said to follow")
+            ->type_name("F.gpx")
+            ->excludes(place);
+    command.add_option("--speed", line.locationSpeed, "how many times faster than recorded (1)")
+        ->type_name("N")
+        ->check(CLI::Range(1e-3, 1e6))
+        ->needs(track);
+}
+
+/// Without a terminal there is nobody to ask.
+void denyWithoutTerminal(const CLI::App& command, CommandLine& line) {
+    if (command.count("--geolocation") == 0 && !isatty(STDIN_FILENO))
+        line.geolocation = GeolocationPolicy::Deny;
+}
+
 void addPage(CLI::App& command, CommandLine& line) {
     command.add_option("PAGE", line.input, "the page: an address or a file")->required();
 }
@@ -53,6 +99,7 @@ void addOpen(CLI::App& app, CommandLine& line) {
     CLI::Option* page = open->add_option("PAGE", line.input, "the page: an address or a file");
     // For WebKitWebDriver, which opens pages itself.
     CLI::Option* automation = open->add_flag("--automation", line.automation)->group("");
+    addLocation(*open, line, "whether pages may know where the user is (ask)");
     open->final_callback([page, automation] {
         if (page->empty() == automation->empty())
             throw CLI::RequiredError("PAGE");
@@ -74,7 +121,9 @@ void addSnapshot(CLI::App& app, CommandLine& line) {
                      "take the picture when the page's title begins so, whatever its maps do")
         ->type_name("PREFIX");
     addTimeout(*snapshot, line, "give up after so long (30)");
-    snapshot->final_callback([&line] {
+    addLocation(*snapshot, line, "whether the page may know where the user is (ask in the terminal)");
+    snapshot->final_callback([&line, snapshot] {
+        denyWithoutTerminal(*snapshot, line);
         // GTK 3 knows whole scales only.
         if (line.scale != std::floor(line.scale) || line.scale < 1 || line.scale > 8)
             throw CLI::ValidationError("--scale", "the scale of a page is a whole number from 1 to 8");
@@ -90,7 +139,9 @@ void addScript(CLI::App& app, CommandLine& line) {
     script->add_option("--output", line.output, "write a picture of the map at the end (PNG)")->type_name("F.png");
     addSizeAndScale(*script, line);
     addTimeout(*script, line, "give up after so long (no limit)");
-    script->final_callback([&line] {
+    addLocation(*script, line, "whether the script may know where the user is (ask in the terminal)");
+    script->final_callback([&line, script] {
+        denyWithoutTerminal(*script, line);
         if (!(line.scale >= 0.25 && line.scale <= 8))
             throw CLI::ValidationError("--scale", "the scale of a script's map is a number from 0.25 to 8");
         checkPictureSize(line);
@@ -110,6 +161,7 @@ std::variant<CommandLine, ExitStatus> readCommandLine(int argc, char** argv) {
     CLI::App app("Native interactive maps in web pages.", "veyra");
     app.set_version_flag("--version", "veyra " VEYRA_VERSION);
     app.add_flag("--verbose", line.verbose, "log what a map quietly ignores");
+    TileOptions tiles(app);
     app.require_subcommand(1);
     app.fallthrough();
     app.get_formatter()->column_width(34);
@@ -118,6 +170,7 @@ std::variant<CommandLine, ExitStatus> readCommandLine(int argc, char** argv) {
     addScript(app, line);
     try {
         app.parse(argc, argv);
+        line.tileSources = tiles.setting();
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::BadArguments;
     }

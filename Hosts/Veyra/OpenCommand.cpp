@@ -1,6 +1,9 @@
 #include "Hosts/Veyra/OpenCommand.h"
 
 #include "Hosts/Veyra/ConsoleOutput.h"
+#include "Hosts/Veyra/GeolocationFeed.h"
+#include "Hosts/Veyra/GeolocationPermission.h"
+#include "Hosts/Veyra/QuestionBar.h"
 #include "Hosts/Veyra/VirtualDisplay.h"
 #include "Hosts/Veyra/WebSetup.h"
 
@@ -44,12 +47,29 @@ void webProcessEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer
     g_printerr("veyra: the web process has ended; reload the page to start it again\n");
 }
 
-/// The window shows the view and ends with it; closing it ends the program.
-void showInWindow(WebKitWebView* view, int width, int height) {
+std::string placeOf(WebKitWebView* view) {
+    const char* address = webkit_web_view_get_uri(view);
+    GUri* uri = address ? g_uri_parse(address, G_URI_FLAGS_NONE, nullptr) : nullptr;
+    const char* host = uri ? g_uri_get_host(uri) : nullptr;
+    const std::string place = host && *host ? host : "This page";
+    g_clear_pointer(&uri, g_uri_unref);
+    return place;
+}
+
+void askAboutGeolocation(WebKitWebView* view, std::function<void(bool)> answered) {
+    askInBar(GTK_BOX(gtk_widget_get_parent(GTK_WIDGET(view))), placeOf(view) + " wants to know where you are.",
+             "_Allow", "_Deny", std::move(answered));
+}
+
+/// The window shows the view, below a place for questions, and ends with it; closing it ends the program.
+void showInWindow(WebKitWebView* view, const CommandLine& line) {
     GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    gtk_window_set_default_size(GTK_WINDOW(window), width, height);
+    gtk_window_set_default_size(GTK_WINDOW(window), line.width, line.height);
     gtk_window_set_title(GTK_WINDOW(window), "veyra");
-    gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(view));
+    GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_container_add(GTK_CONTAINER(window), box);
+    gtk_box_pack_end(GTK_BOX(box), GTK_WIDGET(view), TRUE, TRUE, 0);
+    decideGeolocation(view, line.geolocation, askAboutGeolocation);
     g_signal_connect(view, "notify::title", G_CALLBACK(titleChanged), window);
     g_signal_connect(view, "load-failed", G_CALLBACK(loadFailed), nullptr);
     g_signal_connect(view, "web-process-terminated", G_CALLBACK(webProcessEnded), nullptr);
@@ -61,12 +81,12 @@ void showInWindow(WebKitWebView* view, int width, int height) {
 
 struct AutomatedWindows {
     WebKitWebContext* context;
-    int width, height;
+    const CommandLine& line;
 };
 
 WebKitWebView* createAutomatedView(WebKitAutomationSession*, AutomatedWindows* windows) {
     WebKitWebView* view = makeWebView(windows->context, true);
-    showInWindow(view, windows->width, windows->height);
+    showInWindow(view, windows->line);
     return view;
 }
 
@@ -91,13 +111,14 @@ Outcome runOpen(const CommandLine& line) {
     if (!context)
         return outcome;
     const ConsoleOutput console;
-    AutomatedWindows windows{context->get(), line.width, line.height};
+    const GeolocationFeed feed(context->get(), line.location, line.locationSpeed);
+    AutomatedWindows windows{context->get(), line};
     if (line.automation) {
         webkit_web_context_set_automation_allowed(context->get(), TRUE);
         g_signal_connect(context->get(), "automation-started", G_CALLBACK(automationStarted), &windows);
     } else {
         WebKitWebView* view = makeWebView(context->get());
-        showInWindow(view, line.width, line.height);
+        showInWindow(view, line);
         webkit_web_view_load_uri(view, addressOfPage(line.input).c_str());
     }
     g_unix_signal_add(SIGINT, quit, nullptr);

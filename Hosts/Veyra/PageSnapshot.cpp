@@ -1,5 +1,6 @@
 #include "Hosts/Veyra/PageSnapshot.h"
 
+#include "Hosts/Veyra/GeolocationPermission.h"
 #include "Hosts/Veyra/WebSetup.h"
 
 #include <glib-unix.h>
@@ -35,6 +36,7 @@ PageSnapshot::PageSnapshot(WebKitWebContext* context, const CommandLine& line)
     gtk_widget_set_size_request(GTK_WIDGET(_view), line.width, line.height);
     gtk_container_add(GTK_CONTAINER(_window), GTK_WIDGET(_view));
     connectSignals();
+    decideGeolocation(_view, line.geolocation, askAboutGeolocationInTerminal);
     gtk_widget_show_all(_window);
 }
 

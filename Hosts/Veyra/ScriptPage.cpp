@@ -53,15 +53,23 @@ void ScriptPage::run(const std::string& source) {
 bool ScriptPage::makeMap() {
     PlugInElement element;
     element.baseURL = addressOfPage(_line.input);
-    element.frame = std::make_shared<WebFrame>(_context, std::make_shared<WebView>(nullptr));
+    const auto idle = [this] {
+        webThread().async([this] {
+            if (runningPage == this) // the map goes on for a moment after its page
+                endWhenNothingIsLeft();
+        });
+    };
+    _uiDelegate = std::make_shared<ScriptUIDelegate>(_line.geolocation, _line.input, idle);
+    _location = std::make_shared<PlayedLocation>(_line.location, _line.locationSpeed, idle);
+    element.frame = std::make_shared<WebFrame>(_context, std::make_shared<WebView>(_uiDelegate));
     element.screenScale = _line.scale;
+    element.locationProvider = _location;
     _map = PlugInInstance::create(element);
     if (!_map)
         return false;
     _window = std::make_shared<ScriptWindow>(_map->window(), _startTime);
     dispatch_get_main_queue().sync([&] {
-        _window->start({static_cast<double>(_line.width), static_cast<double>(_line.height)}, _line.scale,
-                       [this] { webThread().async([this] { endWhenNothingIsLeft(); }); });
+        _window->start({static_cast<double>(_line.width), static_cast<double>(_line.height)}, _line.scale, idle);
     });
     return true;
 }
@@ -151,8 +159,9 @@ void ScriptPage::endWhenNothingIsLeft() {
     }
     _isAsking = true;
     const uint64_t onMain = dispatch_get_main_queue().queuedBlocks(), onWeb = webThread().queuedBlocks();
-    dispatch_async(dispatch_get_main_queue(), [this, onMain, onWeb] {
-        const bool isIdle = _window->isIdle();
+    dispatch_async(dispatch_get_main_queue(), [this, onMain, onWeb, isClosed = _isClosed] {
+        const bool mayHearMore = _location->isPlaying() || _uiDelegate->isAsking();
+        const bool isIdle = _window->isIdle() && (isClosed || !mayHearMore);
         webThread().async([this, onMain, onWeb, isIdle] {
             _isAsking = false;
             const bool isQuiet = dispatch_get_main_queue().queuedBlocks() == onMain + 1 && // the question

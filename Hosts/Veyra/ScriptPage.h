@@ -8,7 +8,9 @@
 
 #include "Hosts/Common/PlugInInstance.h"
 #include "Hosts/Veyra/CommandLine.h"
+#include "Hosts/Veyra/PlayedLocation.h"
 #include "Hosts/Veyra/ScriptCallbacks.h"
+#include "Hosts/Veyra/ScriptUIDelegate.h"
 #include "Hosts/Veyra/ScriptWindow.h"
 
 namespace veyra {
@@ -47,6 +49,8 @@ private:
     JSGlobalContextRef const _global;
     std::shared_ptr<ScriptContext> _context;
     std::unique_ptr<ScriptCallbacks> _callbacks;
+    std::shared_ptr<ScriptUIDelegate> _uiDelegate;
+    std::shared_ptr<PlayedLocation> _location; // main queue
     std::shared_ptr<PlugInInstance> _map;
     std::shared_ptr<ScriptWindow> _window;
     JSObjectRef _mapObject = nullptr; // protected

@@ -1,5 +1,6 @@
 #include "Hosts/Veyra/SnapshotCommand.h"
 
+#include "Hosts/Veyra/GeolocationFeed.h"
 #include "Hosts/Veyra/PageSnapshot.h"
 #include "Hosts/Veyra/VirtualDisplay.h"
 #include "Hosts/Veyra/WebSetup.h"
@@ -16,7 +17,10 @@ Outcome runSnapshot(const CommandLine& line) {
     if (outcome.status != ExitStatus::Success)
         return outcome;
     const auto context = WebContext::make(outcome);
-    return context ? PageSnapshot(context->get(), line).run() : outcome;
+    if (!context)
+        return outcome;
+    const GeolocationFeed feed(context->get(), line.location, line.locationSpeed);
+    return PageSnapshot(context->get(), line).run();
 }
 
 } // namespace veyra

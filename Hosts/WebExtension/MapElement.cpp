@@ -34,12 +34,14 @@ JSClassRef handleClass() {
 
 } // namespace
 
-std::shared_ptr<MapElement> MapElement::start(const PlugInElement& element, JSGlobalContextRef context,
-                                              JSObjectRef surface) {
+std::shared_ptr<MapElement> MapElement::start(PlugInElement element, JSGlobalContextRef context, JSObjectRef surface) {
+    const auto location = std::make_shared<MapLocation>();
+    element.locationProvider = location;
     auto instance = PlugInInstance::create(element);
     if (!instance)
         return nullptr;
-    std::shared_ptr<MapElement> map(new MapElement(std::move(instance)));
+    std::shared_ptr<MapElement> map(new MapElement(std::move(instance), location));
+    location->setMap(map);
     map->_presenter =
         std::make_shared<FramePresenter>(map->window(), context, surface, [] { answerWaitingMessages(); });
     map->_presenter->start();
@@ -95,6 +97,7 @@ void MapElement::pageHidden() {
 void MapElement::pageShown() {
     _isPageHidden = false;
     _presenter->resume();
+    _location->pageShown();
 }
 
 void MapElement::forgetWrapper() {

@@ -4,6 +4,7 @@
 
 #include "Hosts/Common/PlugInInstance.h"
 #include "Hosts/WebExtension/FramePresenter.h"
+#include "Hosts/WebExtension/MapLocation.h"
 
 namespace veyra {
 
@@ -11,14 +12,14 @@ class MapElement : public std::enable_shared_from_this<MapElement> {
 public:
     /// Makes and starts the view for an element. `surface` is its MapSurface, in `context`. Null when no view could be
     /// made.
-    static std::shared_ptr<MapElement> start(const PlugInElement& element, JSGlobalContextRef context,
-                                             JSObjectRef surface);
+    static std::shared_ptr<MapElement> start(PlugInElement element, JSGlobalContextRef context, JSObjectRef surface);
     ~MapElement();
     /// Stops and frees the view. Further calls do nothing.
     void stop();
 
     const std::shared_ptr<VeyraView>& view() const { return _instance->view(); }
     FramePresenter& presenter() { return *_presenter; }
+    MapLocation& location() { return *_location; }
     /// Main queue only.
     const std::shared_ptr<UIWindow>& window() const { return _instance->window(); }
 
@@ -35,12 +36,15 @@ public:
     /// The page may be collected from now on, and another object may come to the wrapper's address.
     void pageHidden();
     void pageShown();
+    bool isPageHidden() const { return _isPageHidden; }
 
 private:
     void forgetWrapper();
-    explicit MapElement(std::shared_ptr<PlugInInstance> instance) : _instance(std::move(instance)) {}
+    MapElement(std::shared_ptr<PlugInInstance> instance, std::shared_ptr<MapLocation> location)
+        : _instance(std::move(instance)), _location(std::move(location)) {}
 
     const std::shared_ptr<PlugInInstance> _instance;
+    const std::shared_ptr<MapLocation> _location;
     std::shared_ptr<FramePresenter> _presenter;
     JSObjectRef _wrapper = nullptr;
     bool _isPageHidden = false;

@@ -1,8 +1,10 @@
 #include "Hosts/WebExtension/PageFrame.h"
 
 #include "Hosts/Common/HostConfiguration.h"
+#include "Hosts/Common/TileSources.h"
 #include "Hosts/WebExtension/EmbeddedScripts.h"
 #include "Hosts/WebExtension/PageMessages.h"
+#include "Hosts/WebExtension/PageUIDelegate.h"
 #include "Hosts/WebExtension/Queues.h"
 #include "Hosts/WebExtension/ScriptSupport.h"
 #include "Hosts/WebExtension/Statistics.h"
@@ -33,6 +35,7 @@ void prepareForMaps() {
         HostConfiguration configuration;
         const char* verbose = g_getenv("VEYRA_VERBOSE");
         configuration.verboseDebugLogging = verbose && std::string_view(verbose) == "1";
+        configuration.tileSource = tileSourceOfEnvironment();
         configureCreatedViews(configuration);
         countViews();
         return true;
@@ -84,7 +87,8 @@ void PageFrame::installSurfaces() {
     if (const auto stale = ScriptContext::existing(_pageContext))
         stale->invalidate();
     _scriptContext = ScriptContext::of(_pageContext, global);
-    _webFrame = std::make_shared<WebFrame>(_scriptContext, std::make_shared<WebView>(nullptr));
+    _webFrame = std::make_shared<WebFrame>(
+        _scriptContext, std::make_shared<WebView>(std::make_shared<PageUIDelegate>(weak_from_this())));
 }
 
 void PageFrame::installNames() {
@@ -153,7 +157,7 @@ std::shared_ptr<MapElement> PageFrame::startMap(PlugInElement element, JSObjectR
         return nullptr;
     prepareForMaps();
     element.frame = _webFrame;
-    auto map = MapElement::start(element, _isolatedContext, surface);
+    auto map = MapElement::start(std::move(element), _isolatedContext, surface);
     if (map)
         _maps.push_back(map);
     return map;

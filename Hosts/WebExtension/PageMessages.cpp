@@ -4,6 +4,7 @@
 #include "Hosts/WebExtension/Statistics.h"
 #include "Platform/WebKit/WebThread.h"
 
+#include <cstring>
 #include <dlfcn.h>
 #include <sys/resource.h>
 
@@ -44,7 +45,7 @@ bool isPageSettled(WebKitWebPage* page, std::vector<std::shared_ptr<UIWindow>>& 
         if (!frame->isSettled())
             return false;
         for (const auto& map : frame->maps()) {
-            if (!map->presenter().isSettled())
+            if (!map->presenter().isSettled() || map->location().isAsking())
                 return false;
             if (map->presenter().isShown())
                 windows.push_back(map->window());
@@ -110,6 +111,13 @@ GVariant* statistics() {
     return g_variant_dict_end(&numbers);
 }
 
+// The collector takes every word on the stack for a pointer. What returned calls have left below would come to lie in
+// the gaps of its own frames, and keep what it points to.
+__attribute__((noinline)) void clearStackBelow() {
+    char below[128 * 1024];
+    explicit_bzero(below, sizeof below);
+}
+
 // The engine's own way collects only some time later; it has another one, for debugging, which its headers do not
 // declare.
 void collectGarbage() {
@@ -123,6 +131,14 @@ void collectGarbage() {
         JSGarbageCollect(context);
 }
 
+// Called by the loop itself, not from within a message, for the sake of a short stack.
+gboolean collectAndReply(gpointer data) {
+    clearStackBelow();
+    collectGarbage();
+    reply(WEBKIT_USER_MESSAGE(data), nullptr);
+    return G_SOURCE_REMOVE;
+}
+
 gboolean messageReceived(WebKitWebPage* page, WebKitUserMessage* message, gpointer) {
     const std::string_view name = webkit_user_message_get_name(message);
     if (name == "veyra-when-idle") {
@@ -131,8 +147,7 @@ gboolean messageReceived(WebKitWebPage* page, WebKitUserMessage* message, gpoint
     } else if (name == "veyra-statistics") {
         reply(message, statistics());
     } else if (name == "veyra-collect-garbage") {
-        collectGarbage();
-        reply(message, nullptr);
+        g_idle_add_full(G_PRIORITY_DEFAULT, collectAndReply, g_object_ref(message), g_object_unref);
     } else {
         return FALSE;
     }

@@ -7,6 +7,7 @@
     const mapType = 'application/x-veyra-map';
     const htmlNamespace = 'http://www.w3.org/1999/xhtml';
     const registryKey = Symbol.for('veyra');
+    const permissionDenied = 1; // GeolocationPositionError.PERMISSION_DENIED
 
     // An <object> that shows its fallback content is an ordinary inline element. This makes it what other embedded content
     // is, and any rule of the page is stronger. The words of `type` are compared so that white space around it does not count.
@@ -19,7 +20,7 @@
                 width: auto !important; height: auto !important; overflow: hidden !important; }
         canvas { display: block; position: absolute; left: 0; top: 0; outline: none;
                  -webkit-user-select: none; user-select: none; -webkit-user-drag: none; }
-        canvas:focus-visible { outline: 2px solid Highlight; outline-offset: -2px; }`;
+        canvas:focus-visible, canvas:has(a:focus-visible) { outline: 2px solid Highlight; outline-offset: -2px; }`;
 
     const isShown = () => document.visibilityState === 'visible' && innerWidth > 0 && innerHeight > 0;
     const isEmpty = (rect) => rect === null || rect.width === 0 || rect.height === 0;
@@ -82,6 +83,7 @@
             this.isRestoring = false;
             this.images = null;
             this.scale = 1;
+            this.watch = null; // the number of the geolocation watch that runs
             this.animate = () => {
                 const changes = host.animationFrame(this.handle);
                 if (changes)
@@ -183,6 +185,27 @@
             requestAnimationFrame(this.animate);
         }
 
+        // Called by the native side: asks where the user is, from now on. The engine asks the application for permission;
+        // that it was given shows in a first position, or in an error other than "denied".
+        startLocating() {
+            const { handle } = this;
+            if (!navigator.geolocation) {
+                // The frame's embedder has not delegated it.
+                queueMicrotask(() => host.notLocated(handle, permissionDenied, 'Geolocation is not allowed here'));
+                return;
+            }
+            this.watch = navigator.geolocation.watchPosition(({ coords }) => {
+                host.located(handle, coords.latitude, coords.longitude, coords.accuracy, coords.altitude ?? 0,
+                    coords.altitude === null ? -1 : coords.altitudeAccuracy ?? 0);
+            }, (error) => host.notLocated(handle, error.code, error.message), { enableHighAccuracy: true });
+        }
+
+        stopLocating() {
+            if (this.watch !== null)
+                navigator.geolocation.clearWatch(this.watch);
+            this.watch = null;
+        }
+
         // Called by the native side: makes the two images of that size in device pixels; null when there is no memory.
         allocate(width, height, scale) {
             try {
@@ -193,6 +216,23 @@
             }
             this.scale = scale;
             return this.images.map((image) => image.data);
+        }
+
+        // Called by the native side: what stands in a canvas is not seen, but read and reached by the keyboard.
+        setCaption(text, url) {
+            const caption = document.createElement(url ? 'a' : 'span');
+            caption.textContent = text;
+            if (url) {
+                caption.href = url;
+                caption.target = '_blank';
+                caption.rel = 'noopener noreferrer';
+            }
+            this.canvas.replaceChildren(caption);
+        }
+
+        // Likewise: the user has clicked where the text is painted.
+        followCaption() {
+            this.canvas.firstElementChild?.click();
         }
 
         // `changes` is the image's index, then x, y, width and height of each rectangle.
@@ -238,6 +278,7 @@
     function stop(map) {
         maps.delete(map.element);
         map.unobserve();
+        map.stopLocating();
         host.stop(map.handle);
         map.images = null;
         map.surface.remove();

@@ -92,6 +92,27 @@ JSValueRef animationFrame(JSContextRef context, JSObjectRef, JSObjectRef, size_t
     return JSObjectMakeArray(context, values.size(), values.data(), nullptr);
 }
 
+// located(handle, latitude, longitude, accuracy, altitude, altitudeAccuracy)
+JSValueRef located(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+                   JSValueRef*) {
+    const auto map = MapElement::fromHandle(context, count ? arguments[0] : nullptr);
+    if (map && count >= 6) {
+        const auto number = [&](size_t i) { return numberOf(context, arguments[i]); };
+        map->location().located(std::make_shared<CLLocation>(CLLocationCoordinate2DMake(number(1), number(2)),
+                                                             number(4), number(3), number(5)));
+    }
+    return JSValueMakeUndefined(context);
+}
+
+// notLocated(handle, code, message)
+JSValueRef notLocated(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+                      JSValueRef*) {
+    const auto map = MapElement::fromHandle(context, count ? arguments[0] : nullptr);
+    if (map && count >= 3)
+        map->location().notLocated(static_cast<int>(numberOf(context, arguments[1])), textOf(context, arguments[2]));
+    return JSValueMakeUndefined(context);
+}
+
 // pageHidden(persisted)
 JSValueRef pageHidden(JSContextRef context, JSObjectRef, JSObjectRef host, size_t count, const JSValueRef arguments[],
                       JSValueRef*) {
@@ -120,6 +141,8 @@ JSObjectRef makeSurfaceHost(JSContextRef context, const std::shared_ptr<PageFram
     defineFunction(context, host, "stop", stop);
     defineFunction(context, host, "layOut", layOut);
     defineFunction(context, host, "animationFrame", animationFrame);
+    defineFunction(context, host, "located", located);
+    defineFunction(context, host, "notLocated", notLocated);
     defineFunction(context, host, "pageHidden", pageHidden);
     defineFunction(context, host, "pageShown", pageShown);
     defineFunction(context, host, "progress", progress);

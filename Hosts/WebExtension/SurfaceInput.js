@@ -101,7 +101,7 @@
         }
 
         function onKeyDown(event) {
-            if (event.isComposing)
+            if (event.isComposing || event.target !== canvas)
                 return;
             host.key(map.handle, event.key, event.shiftKey, event.ctrlKey, event.altKey, event.metaKey, age(event));
             if (event.ctrlKey || event.altKey || event.metaKey)

@@ -28,10 +28,19 @@ public:
     std::shared_ptr<PixelBuffers> allocate(int width, int height, double scale);
     /// Holds the arrays that were allocated last.
     std::shared_ptr<Hold> hold() const;
+    /// Begins and ends to ask the page's geolocation where the user is.
+    void startLocating() { call("startLocating"); }
+    void stopLocating() { call("stopLocating"); }
+    /// Gives the canvas a text, with a link when `url` is not "", that assistive technology and the keyboard reach.
+    void setCaption(const std::string& text, const std::string& url);
+    /// Opens what the caption's link leads to, if there is one, as if the user had clicked on it.
+    void followCaption();
     /// Keeps a script object alive as long as the map has not been stopped.
     void keepAlive(JSObjectRef object);
 
 private:
+    void call(const char* name);
+
     JSGlobalContextRef const _context;
     JSObjectRef _surface;
     std::array<JSObjectRef, 2> _arrays{}; // kept alive by the surface

@@ -52,7 +52,8 @@ private:
 void runGuarded(const char* where, const Block& block);
 
 /// Installs the main queue for the process. Called once, by the host, before any view exists; the queue is never
-/// destroyed. A later call replaces the queue.
+/// destroyed. A later call replaces the queue. While its blocks run, its context is the thread-default one of its
+/// thread: GIO reports there.
 void setMainQueue(DispatchQueue* queue);
 /// The main queue; a host has installed it. Throws NSException (NSInternalInconsistencyException) when none has.
 DispatchQueue& dispatch_get_main_queue();

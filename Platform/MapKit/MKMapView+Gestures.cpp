@@ -1,4 +1,5 @@
 // How the user moves the map: drags with inertia, pinches, taps, the wheel and keys.
+#include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKInertia.h"
 #include "Platform/MapKit/MKMapView.h"
@@ -34,6 +35,7 @@ Class MKTouchObserver::classObject() {
 
 void MKMapView::addRecognizers() {
     addGestureRecognizer(std::make_shared<MKTouchObserver>([this] {
+        _annotationContainer->mapTouched();
         if (_motion) {
             endChange();
         }
@@ -53,6 +55,13 @@ void MKMapView::addRecognizers() {
         addGestureRecognizer(tap);
         _zoomTapRecognizers.push_back(std::move(tap));
     };
+    const auto tap = std::make_shared<UITapGestureRecognizer>();
+    tap->setHandler([this](UIGestureRecognizer& recognizer) {
+        if (recognizer.state() == UIGestureRecognizerState::Ended) {
+            _annotationContainer->mapTapped();
+        }
+    });
+    addGestureRecognizer(tap);
     addTap(2, 1, 2);
     addTap(1, 2, 0.5);
 }
@@ -73,6 +82,7 @@ void MKMapView::publishInputPolicy() {
 void MKMapView::publishInputPolicyToNewWindow() {
     if (window() != _policyWindow.lock()) {
         publishInputPolicy();
+        publishCaption();
     }
 }
 

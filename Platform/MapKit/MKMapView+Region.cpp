@@ -1,6 +1,7 @@
 // What the map shows, how that is asked for, and how its changes are reported.
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/Foundation/NSLog.h"
+#include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKTileLayer.h"
@@ -80,6 +81,7 @@ void MKMapView::layOutAt(CGSize size) {
     const MKCamera camera = hasLayout() ? _camera.clamped(size) : MKCamera::fitting(_regionBeforeLayout, size);
     _viewSize = size;
     moveCamera(camera);
+    layOutFurniture();
     if (beginChange(false)) {
         endChange();
     }
@@ -119,6 +121,7 @@ void MKMapView::endChange() {
     _motionTimer->cancel();
     moveCamera(_camera.normalized());
     setNeedsDisplay(); // the picture of a movement gives way to the exact one
+    _annotationContainer->bringViewsUpToDate();
     if (const auto delegate = _delegate.lock()) {
         delegate->mapViewRegionDidChangeAnimated(*this, _changeAnimated);
     }
@@ -160,7 +163,9 @@ bool MKMapView::stepAnimations(double timestamp) {
 void MKMapView::moveCamera(const MKCamera& camera) {
     if (_camera != camera) {
         _camera = camera;
+        layOutFurniture();
         setNeedsDisplay();
+        _annotationContainer->cameraDidChange();
     }
     askForOverlaysThatCameIntoSight();
 }

@@ -17,11 +17,16 @@
 
 namespace veyra {
 
+class CLLocationProvider;
 class DispatchTimer;
+class MKAnnotationContainerView;
+class MKAttributionView;
+class MKLabelLayer;
 class MKMotion;
 class MKOverlay;
 class MKOverlayLayer;
 class MKOverlayList;
+class MKScaleBar;
 class MKTileLayer;
 class MKTileSource;
 class UIPanGestureRecognizer;
@@ -63,8 +68,50 @@ public:
     bool isScrollEnabled() const { return _scrollEnabled; }
     void setScrollEnabled(bool enabled);
 
-    /// True when the user's position is in the visible area.
-    bool isUserLocationVisible() const { return false; }
+    // Annotations: MKMapView+Annotations.cpp. None that is null is taken.
+
+    /// Puts an annotation on the map; one that is there already is ignored.
+    void addAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
+    void addAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
+    /// Takes it off the map; a selected one is reported as deselected first. One that is not there is ignored.
+    void removeAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
+    void removeAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
+    /// In no particular order.
+    std::vector<std::shared_ptr<MKAnnotation>> annotations() const;
+    /// For an annotation of the map whose coordinate was changed by others than the map: moves its view.
+    void annotationCoordinateDidChange(const std::shared_ptr<MKAnnotation>& annotation);
+    /// The view that the annotation has now, or null.
+    std::shared_ptr<MKAnnotationView> viewForAnnotation(const std::shared_ptr<MKAnnotation>& annotation) const;
+    /// A view that has left the map and was made with that identifier, or null. It is the caller's from now on.
+    std::shared_ptr<MKAnnotationView> dequeueReusableAnnotationViewWithIdentifier(const NSString& identifier);
+
+    /// Selects the annotation, shows its callout and reports it, after the deselection of the one selected before.
+    /// Without effect for an annotation without a view in the visible area or near it, and for the selected one.
+    /// Animated, the map moves so that the callout fits.
+    void selectAnnotationAnimated(const std::shared_ptr<MKAnnotation>& annotation, bool animated);
+    /// Without effect for an annotation that is not selected.
+    void deselectAnnotationAnimated(const std::shared_ptr<MKAnnotation>& annotation, bool animated);
+    /// The selected annotation, or nothing.
+    std::vector<std::shared_ptr<MKAnnotation>> selectedAnnotations() const;
+
+    /// Between coordinates and points of a view; of the map itself when the view is null. Before the first layout the
+    /// coordinate of a point is the centre, the point of a coordinate the middle.
+    CLLocationCoordinate2D convertPointToCoordinateFromView(CGPoint point, const std::shared_ptr<UIView>& view) const;
+    CGPoint convertCoordinateToPointToView(CLLocationCoordinate2D coordinate,
+                                           const std::shared_ptr<UIView>& view) const;
+
+    // The user's location: MKMapView+UserLocation.cpp
+
+    /// Whether the map follows the user and shows where the user is. Without a provider, following fails at once.
+    /// Switching on once more after a failure tries again.
+    bool showsUserLocation() const { return _showsUserLocation; }
+    void setShowsUserLocation(bool shows);
+    /// Where positions come from; null at first. What was under way with another one goes on with this one.
+    void setLocationProvider(std::shared_ptr<CLLocationProvider> provider);
+    /// The annotation of the user's location; not null, with the last position known.
+    const std::shared_ptr<MKUserLocation>& userLocation() const { return _userLocation; }
+    /// True while a position is known and its circle of accuracy meets the visible area.
+    bool isUserLocationVisible() const;
 
     // Overlays, drawn over the base map in the order of their list. An overlay that is null or on the map already is
     // not added again; one that is not on the map is not removed. The delegate is asked for an overlay's view when the
@@ -89,6 +136,13 @@ public:
 
     /// Where the map's picture comes from; at first the built-in world. Not null.
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
+
+    /// Whether a scale bar stands at the bottom left; a map that is too small has none.
+    bool showsScale() const { return _showsScale; }
+    void setShowsScale(bool shows);
+    /// Whether the map says whose data it shows. A host that turns this off says so elsewhere.
+    bool showsAttribution() const { return _showsAttribution; }
+    void setShowsAttribution(bool shows);
 
     void layoutSubviews() override;
     bool isOpaque() const override { return hasLayout(); }
@@ -134,9 +188,17 @@ private:
     MKCamera cameraForKeys() const;
     void changeByKey(const MKCamera& target);
 
+    void startLocating();
+    void userLocated(const std::shared_ptr<const CLLocation>& location);
+    void userNotLocated(const std::shared_ptr<NSError>& error);
+    void removeUserLocation();
+
+    // Names: MKMapView+Labels.cpp
+    void drawLabels(const UIGraphicsContext& context);
+
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
-    void tileFailed(const std::string& reason);
+    void tileFailed(const std::string& reason, bool mayPass);
     void reportLoading();
     /// Notes the scale that is about to be drawn; true while it keeps changing from frame to frame.
     bool followScale();
@@ -147,6 +209,12 @@ private:
     void askForOverlaysThatCameIntoSight();
     void queueOverlayUpdate();
     void updateOverlays();
+
+    // What stands on the map: MKMapView+Furniture.cpp
+    void addFurniture();
+    /// Brings the scale bar and the attribution up to date.
+    void layOutFurniture();
+    void publishCaption();
 
     std::weak_ptr<MKMapViewDelegate> _delegate;
     MKMapType _mapType = MKMapTypeStandard;
@@ -179,7 +247,23 @@ private:
     std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
     std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
 
+    friend class MKAnnotationContainerView;
+    std::shared_ptr<MKAnnotationContainerView> _annotationContainer; // a subview, from the start
+
+    bool _showsUserLocation = false;
+    bool _isLocating = false; // since the start or a position that followed it; not after a failure
+    bool _isUserLocationShown = false;
+    std::shared_ptr<CLLocationProvider> _locationProvider;
+    std::shared_ptr<MKUserLocation> _userLocation;
+
+    bool _showsScale = false;
+    bool _showsAttribution = true;
+    std::shared_ptr<MKScaleBar> _scaleBar;
+    std::shared_ptr<MKAttributionView> _attributionView;
+
     std::unique_ptr<MKTileLayer> _tiles;
+    std::unique_ptr<MKLabelLayer> _labels;
+    bool _labelsFailed = false; // the source's names cannot be had, which was logged
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
     unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate
@@ -187,6 +271,10 @@ private:
     std::unique_ptr<MKOverlayList> _overlays;
     std::unique_ptr<MKOverlayLayer> _overlayLayer;
     bool _overlayUpdateQueued = false;
+
+    // What a source could not give for a reason that may pass is asked for again after a while.
+    std::unique_ptr<DispatchTimer> _retryTimer;
+    double _retryRest = 0; // seconds
 };
 
 } // namespace veyra

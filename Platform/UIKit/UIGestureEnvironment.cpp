@@ -46,6 +46,8 @@ void UIGestureEnvironment::begin(UIWindow& window, const UITouchEvent& event) {
         for (const auto& recognizer : all)
             if (recognizer->isEnabled() && (!recognizer->_touchFilter || recognizer->_touchFilter(*touched, event)))
                 recognizers.push_back(recognizer);
+        if (view->keepsTouches())
+            break;
     }
     _touches.push_back({_nextSerial++, event, recognizers});
     for (const auto& weak : recognizers)

@@ -103,6 +103,9 @@ public:
     virtual bool handleScroll(const UIScrollEvent&) { return false; }
     virtual bool handleKey(const UIKeyEvent&) { return false; }
 
+    /// True when touches that begin in the view, or in one below it, reach no recogniser of the views above it.
+    virtual bool keepsTouches() const { return false; }
+
     /// The deepest visible view under the point (own points), or null.
     virtual std::shared_ptr<UIView> hitTest(CGPoint point);
     /// The point of this view in the window's points.

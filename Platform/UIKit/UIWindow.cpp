@@ -69,6 +69,13 @@ void UIWindow::setSize(CGSize points, double scale) {
     setNeedsDisplay();
 }
 
+void UIWindow::setUserInterfaceStyle(UIUserInterfaceStyle style) {
+    if (_userInterfaceStyle != style) {
+        _userInterfaceStyle = style;
+        setNeedsDisplay();
+    }
+}
+
 void UIWindow::makeStore() {
     if (_surface)
         cairo_surface_destroy(_surface);
@@ -94,6 +101,25 @@ void UIWindow::setVisible(bool visible) {
     _frameRequested = false;
     requestFrame();
     idleStateChanged();
+}
+
+void UIWindow::setCaption(const UICaption& caption) {
+    if (caption == _caption)
+        return;
+    _caption = caption;
+    if (const auto handler = _captionHandler)
+        handler(caption);
+}
+
+void UIWindow::setCaptionHandler(std::function<void(const UICaption&)> handler) {
+    _captionHandler = std::move(handler);
+    if (const auto handing = _captionHandler; handing && _caption != UICaption())
+        handing(_caption);
+}
+
+void UIWindow::openURL(const std::string& url) {
+    if (const auto handler = _openURLHandler)
+        handler(url);
 }
 
 void UIWindow::sendEvent(const UIEvent& event) {

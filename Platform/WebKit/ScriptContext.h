@@ -8,6 +8,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
+#include "Platform/WebKit/ScriptHelpers.h"
 
 #include <JavaScriptCore/JavaScript.h>
 
@@ -65,6 +66,8 @@ public:
     void releaseSlot(unsigned slot);
     /// `Object.defineProperty` as the page found it.
     JSObjectRef definePropertyFunction() const { return _defineProperty; }
+    /// Shortcuts through compiled script. The context is alive.
+    ScriptHelpers& helpers() { return _helpers; }
     /// The function that a source text (a constant of the program) stands for, compiled in the page at the first call
     /// and kept; null when the page cannot compile it. It sees nothing of the page but what it is called with.
     JSObjectRef helperFunction(const char* source);
@@ -86,7 +89,11 @@ private:
     std::shared_ptr<WebScriptObject> scriptObject(JSObjectRef object, bool isArgument);
     std::shared_ptr<NSObject> unwrap(JSObjectRef object);
     JSValueRef wrap(const std::shared_ptr<NSObject>& object);
-    void refresh(NSObject& object, JSObjectRef script);
+    struct ValueClass;
+    /// Defines a property that is not enumerable.
+    void defineHidden(JSObjectRef object, JSValueRef key, JSValueRef value);
+    const ValueClass& valueClassOf(const NSObject& object);
+    void refresh(NSObject& object, JSObjectRef script, const ValueClass& cls);
     bool hasToSettle(size_t firstArgument, size_t firstWrapper) const {
         return _arguments.size() > firstArgument || _recentWrappers.size() > firstWrapper || !_keptWrappers.empty();
     }
@@ -99,12 +106,15 @@ private:
     bool _suspended = false;
     int _callDepth = 0; // calls from and into scripts that are running
     bool _holderProtected = false;
-    JSObjectRef _holder = nullptr;                         // lives in the keeper, or protected
-    JSObjectRef _slots = nullptr;                          // the array of kept values, in the holder
-    JSObjectRef _defineProperty = nullptr;                 // kept
-    JSObjectRef _console = nullptr;                        // kept; may be null
-    JSObjectRef _consoleError = nullptr;                   // kept; may be null
-    std::unordered_map<const char*, JSObjectRef> _helpers; // by source; kept
+    JSObjectRef _holder = nullptr;         // lives in the keeper, or protected
+    JSObjectRef _slots = nullptr;          // the array of kept values, in the holder
+    JSObjectRef _defineProperty = nullptr; // kept
+    JSObjectRef _console = nullptr;        // kept; may be null
+    JSObjectRef _consoleError = nullptr;   // kept; may be null
+    JSValueRef _toStringTag = nullptr;     // the symbol, which lives as long as the engine; may be null
+    std::vector<std::shared_ptr<const ValueClass>> _valueClasses;
+    ScriptHelpers _helpers{*this};
+    std::unordered_map<const char*, JSObjectRef> _helperFunctions; // by source; kept
     unsigned _nextSlot = 0;
     std::vector<unsigned> _freeSlots;
 

@@ -27,10 +27,20 @@ id WebScriptObject::valueForKey(const NSString& key) {
     if (!scriptObject())
         return id();
     const auto self = shared_from_this(); // a getter may drop what holds this object
-    JSStringRef name = ScriptContext::makeString(key);
     JSValueRef exception = nullptr;
-    const JSValueRef value = JSObjectGetProperty(_context->_context, _object, name, &exception);
-    JSStringRelease(name);
+    JSValueRef value = nullptr;
+    ScriptReadAhead::Kind kind{};
+    double number = 0;
+    if (_readAhead && _readAhead->next(key, kind, number, value)) {
+        if (kind == ScriptReadAhead::Kind::Number)
+            return id(number);
+        if (kind == ScriptReadAhead::Kind::Exception)
+            exception = value;
+    } else {
+        JSStringRef name = ScriptContext::makeString(key);
+        value = JSObjectGetProperty(_context->_context, _object, name, &exception);
+        JSStringRelease(name);
+    }
     if (exception) {
         report(exception);
         return valueForUndefinedKey(key);

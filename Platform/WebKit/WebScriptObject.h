@@ -37,13 +37,15 @@ public:
 
 private:
     friend class ScriptContext;
+    friend class ScriptReadAhead;
     WebScriptObject(std::shared_ptr<ScriptContext> context, JSObjectRef object)
         : _context(std::move(context)), _object(object) {}
     void report(JSValueRef exception) const;
 
     const std::shared_ptr<ScriptContext> _context;
     JSObjectRef const _object;
-    std::optional<unsigned> _slot; // none while only the running call's arguments keep the object; web thread
+    std::optional<unsigned> _slot;         // none while only the running call's arguments keep the object; web thread
+    ScriptReadAhead* _readAhead = nullptr; // that answers reads just now; web thread
 };
 
 } // namespace veyra

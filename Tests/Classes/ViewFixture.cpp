@@ -42,10 +42,10 @@ class MainRole {
 public:
     MainRole() {
         g_main_context_release(webContext());
-        g_main_context_acquire(mainContext());
+        g_main_context_push_thread_default(mainContext());
     }
     ~MainRole() {
-        g_main_context_release(mainContext());
+        g_main_context_pop_thread_default(mainContext());
         g_main_context_acquire(webContext());
     }
     MainRole(const MainRole&) = delete;
@@ -117,6 +117,17 @@ void ViewFixture::runMain() {
     runQueue(dispatch_get_main_queue());
 }
 
+bool ViewFixture::runMainUntil(const std::function<bool()>& condition) {
+    const MainRole role;
+    for (int tries = 0; tries < 10000; ++tries) {
+        if (condition())
+            return true;
+        if (!g_main_context_iteration(mainContext(), FALSE))
+            g_usleep(1000);
+    }
+    return false;
+}
+
 void ViewFixture::runWeb() {
     runQueue(webThread());
 }
@@ -185,7 +196,7 @@ std::shared_ptr<const NSDictionary> ViewFixture::arguments() const {
 
 std::shared_ptr<PlugInInstance> ViewFixture::makeMap(const std::string& name) {
     g_main_context_acquire(mainContext()); // the host would wait for the main queue, which is this thread
-    auto made = PlugInInstance::create({{{"id", name}}, "https://example.test/page.html", frame, 1});
+    auto made = PlugInInstance::create({{{"id", name}}, "https://example.test/page.html", frame, 1, nullptr});
     g_main_context_release(mainContext());
     expose(name, made);
     return made;

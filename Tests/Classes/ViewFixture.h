@@ -27,6 +27,9 @@ protected:
     static void onMain(const Block& block);
     /// Runs what is queued on the main queue, until nothing is left.
     static void runMain();
+    /// Runs the main queue, and waits for what arrives there from elsewhere, until the condition holds; false when it
+    /// does not within some seconds.
+    static bool runMainUntil(const std::function<bool()>& condition);
     /// Runs what is queued on the web thread, until nothing is left.
     static void runWeb();
     /// Runs both in turn until events have been delivered and what they asked for is done.

@@ -1,15 +1,16 @@
-// Runs the suite of surface.js, which stands before this text, in the script host: prints each failed check, and fails when
+// Runs the suites of surface.js and annotations.js, which stand before this text, in the script host: prints each failed check, and fails when
 // there is one.
 
 (() => {
     const failed = [];
     let passed = 0;
-    runSurfaceConformance(map, GeoMap, (name, isGood, detail) => {
+    const report = (name, isGood, detail) => {
         if (isGood)
             ++passed;
         else
             failed.push(name + ': ' + detail);
-    }).then(() => {
+    };
+    runSurfaceConformance(map, GeoMap, report).then(() => runAnnotationConformance(map, report)).then(() => {
         for (const failure of failed)
             console.error(failure);
         console.log('conformance: ' + (failed.length ? failed.length + ' failed' : 'all ' + passed + ' passed'));

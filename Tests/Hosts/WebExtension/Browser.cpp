@@ -38,6 +38,7 @@ Browser::Browser() : _server(new PageServer) {
                          ADD_FAILURE() << "the web process ended, reason " << reason;
                      })),
                      this);
+    listenToGeolocation();
     _window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_default_size(GTK_WINDOW(_window), 800, 600);
     gtk_container_add(GTK_CONTAINER(_window), GTK_WIDGET(_view));

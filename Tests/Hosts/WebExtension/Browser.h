@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace veyra::test {
 
@@ -48,6 +49,21 @@ public:
     /// The pixel of the page as it looks, in points of the view.
     Pixel pixelAt(int x, int y);
 
+    // Geolocation: what the application makes of the pages' requests, and what it says where the user is.
+
+    enum class Permission { Allow, Deny, Keep };
+    void setGeolocationPermission(Permission permission) { _permission = permission; }
+    /// Requests of pages so far.
+    unsigned geolocationRequests() const { return _requests; }
+    /// Answers those that were kept.
+    void answerGeolocationRequests(bool allows);
+    /// Whether a page wants to know where the user is now.
+    bool isAskedWhereTheUserIs() const { return _isLocating; }
+    void locate(double latitude, double longitude, double accuracy);
+    void locateWithAltitude(double latitude, double longitude, double accuracy, double altitude,
+                            double altitudeAccuracy);
+    void failToLocate();
+
     // Input, as a device would send it; in points of the view.
     void touch(GdkEventType type, int finger, double x, double y);
     void button(GdkEventType type, double x, double y);
@@ -58,11 +74,18 @@ public:
 private:
     Browser();
     void send(GdkEvent* event, GdkDevice* device);
+    void listenToGeolocation();
 
     PageServer* const _server;
     GtkWidget* _window = nullptr;
     WebKitWebView* _view = nullptr;
     bool _isLoaded = false;
+
+    WebKitGeolocationManager* _locations = nullptr;
+    Permission _permission = Permission::Deny;
+    unsigned _requests = 0;
+    std::vector<WebKitPermissionRequest*> _keptRequests;
+    bool _isLocating = false;
 };
 
 } // namespace veyra::test

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace veyra {
@@ -29,13 +30,42 @@ TEST(RegionThatFits, WidensOnlyTheSpanThatIsTooSmall) {
     const MKCoordinateRegion tall = fitted({{48, 16}, {2, 0.1}});
     EXPECT_NEAR(tall.center.latitude, 48, 1e-10);
     EXPECT_NEAR(tall.center.longitude, 16, 1e-10);
-    EXPECT_NEAR(tall.span.latitudeDelta, 2, 1e-10);
+    // As far as its farther edge: the northern one, which is shown at the very top.
+    const MKMapRect tallRect = MKMapRectForCoordinateRegion(tall);
+    EXPECT_NEAR(MKCoordinateForMapPoint(tallRect.origin).latitude, 49, 1e-9);
+    EXPECT_NEAR(MKCoordinateForMapPoint({0, MKMapRectGetMaxY(tallRect)}).latitude, 46.98, 0.005);
     EXPECT_GT(tall.span.longitudeDelta, 2);
     const MKCoordinateRegion wide = fitted({{48, 16}, {0.1, 2}});
     EXPECT_NEAR(wide.span.longitudeDelta, 2, 1e-10);
     EXPECT_GT(wide.span.latitudeDelta, 0.1);
     const MKMapRect rect = MKMapRectForCoordinateRegion(wide);
     EXPECT_NEAR(rect.size.width / rect.size.height, 1024.0 / 768, 1e-9);
+}
+
+TEST(RegionThatFits, ShowsTheWholeRequestAtItsCentre) {
+    for (const double latitude : {-60.0, -35.0, 0.0, 12.5, 50.0}) {
+        for (const double span : {1e-3, 0.5, 8.0, 40.0}) {
+            for (const double longitudeSpan : {1e-3, 1.0, 50.0}) {
+                const MKCoordinateRegion region{{latitude, 10}, {span, longitudeSpan}};
+                const MKMapRect shown = MKCamera::fitting(region, viewSize).visibleMapRect(viewSize);
+                CLLocationCoordinate2D northWest, southEast;
+                MKCoordinatesForRegion(region, &northWest, &southEast);
+                const MKMapPoint first = MKMapPointForCoordinate(northWest), last = MKMapPointForCoordinate(southEast);
+                const double tolerance = shown.size.width * 1e-9;
+                EXPECT_LE(shown.origin.x, first.x + tolerance);
+                EXPECT_LE(shown.origin.y, first.y + tolerance) << latitude << ' ' << span;
+                EXPECT_GE(MKMapRectGetMaxX(shown), last.x - tolerance);
+                EXPECT_GE(MKMapRectGetMaxY(shown), last.y - tolerance) << latitude << ' ' << span;
+                EXPECT_NEAR(MKMapRectGetMidX(shown), MKMapPointForCoordinate(region.center).x, tolerance);
+                EXPECT_NEAR(MKMapRectGetMidY(shown), MKMapPointForCoordinate(region.center).y, tolerance);
+                // And no more than that: one pair of edges is met.
+                const double spareX = (first.x - shown.origin.x) / shown.size.width;
+                const double spareY =
+                    std::min(first.y - shown.origin.y, MKMapRectGetMaxY(shown) - last.y) / shown.size.height;
+                EXPECT_NEAR(std::min(spareX, spareY), 0, 1e-9) << latitude << ' ' << span << ' ' << longitudeSpan;
+            }
+        }
+    }
 }
 
 TEST(RegionThatFits, KeepsARegionThatFitsAlready) {

@@ -1,0 +1,40 @@
+// Threads for work that takes too long for the main queue, such as decoding images. One set a process, started with the
+// first block and never ended. Queuing is allowed on any thread and never waits.
+#pragma once
+
+#include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/Foundation/NSLock.h"
+
+#include <condition_variable>
+#include <deque>
+
+namespace veyra {
+
+class WorkQueue {
+public:
+    WorkQueue() = default;
+    WorkQueue(const WorkQueue&) = delete;
+    WorkQueue& operator=(const WorkQueue&) = delete;
+    /// The threads never end.
+    ~WorkQueue() = delete;
+
+    /// Runs the block on one of the threads; blocks begin in the order of queuing. What it throws is logged.
+    void async(Block block) VEYRA_EXCLUDES(_mutex);
+
+private:
+    void run();
+    Block takeBlock() VEYRA_EXCLUDES(_mutex);
+
+    NSLock _mutex;
+    std::condition_variable_any _blocksCame;
+    std::deque<Block> _blocks VEYRA_GUARDED_BY(_mutex);
+    bool _started VEYRA_GUARDED_BY(_mutex) = false;
+};
+
+/// The process's own.
+WorkQueue& dispatch_get_global_queue();
+inline void dispatch_async(WorkQueue& queue, Block block) {
+    queue.async(std::move(block));
+}
+
+} // namespace veyra

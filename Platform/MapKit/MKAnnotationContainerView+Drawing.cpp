@@ -1,0 +1,310 @@
+// How annotations are drawn: sprites in the order of their latitude, kept in a layer, and in front of it what is
+// selected or dragged.
+#include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/MKAnnotationContainerView.h"
+#include "Platform/MapKit/MKCalloutView.h"
+#include "Platform/MapKit/MKMapView.h"
+#include "Platform/MapKit/MKUserLocationView.h"
+#include "Platform/UIKit/UIWindow.h"
+
+#include <cairo.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+// More changes than this before a frame are drawn as one: the whole view.
+constexpr unsigned mostDamages = 100;
+// A pin whose fall has not been drawn for so long is put down: its window is hidden. Seconds.
+constexpr double longestPause = 1;
+
+// A falling pin begins so far above the map's upper edge, in points: it is not seen at first.
+constexpr double heightAboveMap = 4;
+
+uint64_t orderKey(MKMapPoint point, uint32_t number) {
+    // The world's 2^28 map points in sixteenths.
+    const double latitude = std::clamp(point.y * 16, 0.0, 4294967295.0);
+    return static_cast<uint64_t>(latitude) << 32 | number;
+}
+
+} // namespace
+
+double MKAnnotationContainerView::deviceScale() const {
+    const auto window = this->window();
+    return window ? window->scale() : 1;
+}
+
+bool MKAnnotationContainerView::isInFront(uint32_t number) const {
+    return number == _selected || number == _dragged;
+}
+
+MKPlacedSprite MKAnnotationContainerView::placedSprite(uint32_t number) {
+    const MKAnnotationStore::Entry& entry = _store[number];
+    MKAnnotationView& view = *entry.view;
+    if (entry.waitsToDrop) {
+        return {};
+    }
+    const double scale = deviceScale();
+    if (!view._sprite) {
+        view._sprite = view.makeSprite(_spriteCache, scale);
+    }
+    if (!view._sprite) {
+        return {};
+    }
+    const CGPoint corner = view.extent().origin;
+    const double farthest = 1e6; // an offset beyond leads out of every view
+    const auto pixels = [&](double points) {
+        return static_cast<int>(std::lround(std::clamp(points * scale, -farthest, farthest)));
+    };
+    return {entry.point, view._sprite.get(), pixels(corner.x) + view._sprite->originX(),
+            pixels(corner.y) + view._sprite->originY() - pixels(entry.lift)};
+}
+
+void MKAnnotationContainerView::addToOrder(uint32_t number) {
+    if (!_store[number].isNewInOrder) {
+        _store[number].isNewInOrder = true;
+        _newInOrder.push_back(number);
+    }
+    _orderIsStale = true;
+}
+
+void MKAnnotationContainerView::updateOrder() {
+    if (!_orderIsStale) {
+        return;
+    }
+    _orderIsStale = false;
+    _spritesAreStale = true;
+    std::erase_if(_order, [this](uint64_t key) {
+        const MKAnnotationStore::Entry& entry = _store[static_cast<uint32_t>(key)];
+        return !entry.view || entry.isNewInOrder;
+    });
+    const auto sorted = static_cast<std::ptrdiff_t>(_order.size());
+    for (const uint32_t number : _newInOrder) {
+        _store[number].isNewInOrder = false;
+        if (_store[number].view) {
+            _order.push_back(orderKey(_store[number].point, number));
+        }
+    }
+    _newInOrder.clear();
+    std::sort(_order.begin() + sorted, _order.end());
+    std::inplace_merge(_order.begin(), _order.begin() + sorted, _order.end());
+}
+
+void MKAnnotationContainerView::updateSprites() {
+    updateOrder();
+    if (!_spritesAreStale) {
+        return;
+    }
+    _spritesAreStale = false;
+    auto& sprites = _layer.sprites();
+    sprites.resize(_order.size());
+    for (size_t i = 0; i < _order.size(); ++i) {
+        const auto number = static_cast<uint32_t>(_order[i]);
+        _store[number].position = static_cast<uint32_t>(i);
+        sprites[i] = isInFront(number) ? MKPlacedSprite() : placedSprite(number);
+    }
+}
+
+// Called with a change of one view before and after it. What is drawn of it is taken from the view, not from the list,
+// which may lag behind.
+void MKAnnotationContainerView::damage(uint32_t number) {
+    if (!_spritesAreStale && !_orderIsStale) {
+        // The list follows one change at once, without being made anew.
+        const uint32_t position = _store[number].position;
+        if (position < _order.size() && static_cast<uint32_t>(_order[position]) == number) {
+            _layer.sprites()[position] = isInFront(number) ? MKPlacedSprite() : placedSprite(number);
+        }
+    }
+    if (++_damagesSinceFrame > mostDamages) {
+        if (_damagesSinceFrame == mostDamages + 1) {
+            setNeedsDisplay();
+        }
+        return;
+    }
+    const MKPlacedSprite placed = placedSprite(number);
+    if (!isInFront(number)) {
+        _layer.invalidate(placed);
+    }
+    _layer.forEachPlace(placed, [this](const PixelRect& rect) { setNeedsDisplayInRect(pointsOf(rect)); });
+    if (const auto* location = dynamic_cast<const MKUserLocationView*>(_store[number].view.get())) {
+        if (location->showsAccuracy()) {
+            setNeedsDisplay();
+        }
+    }
+}
+
+CGRect MKAnnotationContainerView::pointsOf(const PixelRect& rect) const {
+    const double scale = deviceScale();
+    return {{rect.x / scale, rect.y / scale}, {rect.width / scale, rect.height / scale}};
+}
+
+void MKAnnotationContainerView::drawRect(const UIGraphicsContext& context) {
+    const auto map = _map.lock();
+    if (!map || !map->hasLayout()) {
+        return;
+    }
+    if (_damagesSinceFrame > mostDamages) {
+        _layer.invalidateAll();
+    }
+    _damagesSinceFrame = 0;
+    if (context.scale != _drawnScale) {
+        _drawnScale = context.scale;
+        for (const uint64_t key : _order) {
+            if (const auto& view = _store[static_cast<uint32_t>(key)].view) {
+                view->_sprite = nullptr;
+            }
+        }
+        _spritesAreStale = true;
+        _layer.invalidateAll();
+    }
+    updateSprites();
+    _layer.setView(MKPixelView(map->_camera, map->_viewSize, context.scale));
+    drawAccuracy(context);
+    _layer.draw(context);
+    if (_selected != none && _selected != _dragged) {
+        drawInFront(context, _selected);
+    }
+    if (_dragged != none) {
+        drawInFront(context, _dragged);
+    }
+}
+
+void MKAnnotationContainerView::drawInFront(const UIGraphicsContext& context, uint32_t number) {
+    if (!_store[number].view) {
+        return;
+    }
+    const MKPlacedSprite placed = placedSprite(number);
+    const double originX = std::round(context.origin.x * context.scale);
+    const double originY = std::round(context.origin.y * context.scale);
+    _layer.forEachPlace(placed, [&](const PixelRect& rect) {
+        const MKSprite& sprite = *placed.sprite;
+        auto* const bytes = reinterpret_cast<unsigned char*>(const_cast<uint32_t*>(sprite.row(0)));
+        cairo_surface_t* const source = cairo_image_surface_create_for_data(bytes, CAIRO_FORMAT_ARGB32, sprite.width(),
+                                                                            sprite.height(), sprite.width() * 4);
+        cairo_identity_matrix(context.cairo);
+        cairo_set_source_surface(context.cairo, source, originX + rect.x, originY + rect.y);
+        cairo_paint(context.cairo);
+        cairo_set_source_rgb(context.cairo, 0, 0, 0);
+        cairo_surface_destroy(source);
+    });
+}
+
+// The circle lies under all views, its radius true to the ground.
+void MKAnnotationContainerView::drawAccuracy(const UIGraphicsContext& context) {
+    const auto map = _map.lock();
+    const auto view = _locationView.lock();
+    const MKAnnotationStore::Entry* const entry = view ? entryOf(*view) : nullptr;
+    if (!entry || !view->showsAccuracy()) {
+        return;
+    }
+    const double radius = view->accuracyInMapPoints() * map->_camera.scale;
+    const CGPoint center = map->_camera.pointFor(entry->point, map->_viewSize);
+    const double world = MKWorldSide * map->_camera.scale;
+    const double first = center.x - std::floor((center.x + radius) / world) * world;
+    for (double x = first; x - radius < map->_viewSize.width; x += world) {
+        cairo_new_path(context.cairo);
+        cairo_arc(context.cairo, x, center.y, radius, 0, 2 * M_PI);
+        cairo_set_source_rgba(context.cairo, 0.1, 0.47, 1, 0.14);
+        cairo_fill_preserve(context.cairo);
+        cairo_set_source_rgba(context.cairo, 0.1, 0.47, 1, 0.45);
+        cairo_set_line_width(context.cairo, 1);
+        cairo_stroke(context.cairo);
+    }
+}
+
+void MKAnnotationContainerView::annotationViewWillChangeLook(MKAnnotationView& view) {
+    if (entryOf(view)) {
+        damage(_store.find(view._annotation.get()));
+    }
+}
+
+void MKAnnotationContainerView::annotationViewDidChangeLook(MKAnnotationView& view) {
+    if (entryOf(view)) {
+        damage(_store.find(view._annotation.get()));
+        placeCallout();
+    }
+}
+
+void MKAnnotationContainerView::annotationViewDidChangeCallout(MKAnnotationView& view) {
+    if (!entryOf(view)) {
+        return;
+    }
+    const uint32_t number = _store.find(view._annotation.get());
+    if (number == _dragged && !view.isDraggable()) {
+        endDrag(true);
+    }
+    if (number == _selected) {
+        showCallout();
+    }
+}
+
+CGRect MKAnnotationContainerView::frameOfAnnotationView(const MKAnnotationView& view) const {
+    const uint32_t number = _store.find(view._annotation.get());
+    if (number == none || _store[number].view.get() != &view) {
+        return {};
+    }
+    const CGRect frame = frameOf(number);
+    return frame.offsetBy(0, _store[number].waitsToDrop ? -frame.maxY() - heightAboveMap : -_store[number].lift);
+}
+
+void MKAnnotationContainerView::startDrops(const std::vector<uint32_t>& numbers) {
+    if (numbers.empty()) {
+        return;
+    }
+    std::vector<MKDropAnimation::Drop> batch;
+    batch.reserve(numbers.size());
+    for (const uint32_t number : numbers) {
+        batch.push_back({number, _store[number].attachSerial, 0, std::nullopt});
+    }
+    _drops.addBatch(std::move(batch));
+    setNeedsAnimationStep();
+    _dropTimer->start(dispatch_get_main_queue(), longestPause, [this] { finishDrops(); });
+}
+
+void MKAnnotationContainerView::stepDrops(double timestamp) {
+    if (_drops.isEmpty()) {
+        return;
+    }
+    const auto map = _map.lock();
+    _drops.step(timestamp, [&](const MKDropAnimation::Drop& drop, const MKDropAnimation::Height* height) {
+        MKAnnotationStore::Entry& entry = _store[drop.number];
+        if (!height || !entry.view || entry.attachSerial != drop.attachSerial || drop.number == _dragged) {
+            return;
+        }
+        const CGPoint place = map->_camera.pointFor(entry.point, map->_viewSize);
+        // From where the whole pin is above the map.
+        const double fall = std::max(0.0, place.y) + heightAboveMap;
+        const auto lift = static_cast<float>(height->part * fall + height->points);
+        if (entry.waitsToDrop || lift != entry.lift) {
+            damage(drop.number);
+            entry.waitsToDrop = false;
+            entry.lift = lift;
+            damage(drop.number);
+        }
+    });
+    if (_drops.isEmpty()) {
+        _dropTimer->cancel();
+    } else {
+        _dropTimer->start(dispatch_get_main_queue(), longestPause, [this] { finishDrops(); });
+    }
+}
+
+void MKAnnotationContainerView::finishDrops() {
+    for (const MKDropAnimation::Drop& drop : _drops.takeAll()) {
+        MKAnnotationStore::Entry& entry = _store[drop.number];
+        if (entry.view && entry.attachSerial == drop.attachSerial) {
+            damage(drop.number);
+            entry.waitsToDrop = false;
+            entry.lift = 0;
+            damage(drop.number);
+        }
+    }
+    if (const auto window = this->window()) {
+        window->idleStateChanged();
+    }
+}
+
+} // namespace veyra

@@ -1,0 +1,93 @@
+#include "Platform/MapKit/MKAnnotationStore.h"
+
+#include <cmath>
+
+namespace veyra {
+
+uint32_t MKAnnotationStore::add(const std::shared_ptr<MKAnnotation>& annotation) {
+    const auto number = _free.empty() ? static_cast<uint32_t>(_entries.size()) : _free.back();
+    if (!_numbers.emplace(annotation.get(), number).second) {
+        return none;
+    }
+    if (_free.empty()) {
+        _entries.emplace_back();
+    } else {
+        _free.pop_back();
+    }
+    _entries[number].annotation = annotation;
+    updatePoint(number);
+    return number;
+}
+
+void MKAnnotationStore::remove(uint32_t number) {
+    Entry& entry = _entries[number];
+    if (entry.hasPoint) {
+        _index.remove(number);
+    }
+    _numbers.erase(entry.annotation.get());
+    Entry freed;
+    freed.attachSerial = entry.attachSerial; // goes on: whoever remembers the former one sees that it is over
+    freed.isNewInOrder = entry.isNewInOrder; // the number stays in the list of new ones
+    entry = std::move(freed);
+    _free.push_back(number);
+}
+
+uint32_t MKAnnotationStore::find(const MKAnnotation* annotation) const {
+    const auto found = _numbers.find(annotation);
+    return found == _numbers.end() ? none : found->second;
+}
+
+void MKAnnotationStore::updatePoint(uint32_t number) {
+    const CLLocationCoordinate2D coordinate = _entries[number].annotation->coordinate();
+    Entry& entry = _entries[number];
+    if (entry.hasPoint) {
+        _index.remove(number);
+    }
+    entry.hasPoint = std::isfinite(coordinate.latitude) && std::isfinite(coordinate.longitude);
+    if (entry.hasPoint) {
+        const double longitude = std::remainder(coordinate.longitude, 360);
+        entry.point = MKMapPointForCoordinate({coordinate.latitude, longitude});
+        _index.insert(number, entry.point);
+    }
+}
+
+std::vector<std::shared_ptr<MKAnnotation>> MKAnnotationStore::all() const {
+    std::vector<std::shared_ptr<MKAnnotation>> annotations;
+    annotations.reserve(_numbers.size());
+    for (const Entry& entry : _entries) {
+        if (entry.annotation) {
+            annotations.push_back(entry.annotation);
+        }
+    }
+    return annotations;
+}
+
+std::vector<uint32_t> MKAnnotationStore::numbersIn(const MKMapRect& rect) const {
+    std::vector<uint32_t> numbers;
+    const auto take = [&numbers](uint32_t number) { numbers.push_back(number); };
+    const double height = rect.size.height;
+    if (rect.size.width >= MKWorldSide) {
+        _index.search(MKMapRectMake(0, rect.origin.y, MKWorldSide, height), take);
+        return numbers;
+    }
+    const double left = rect.origin.x - std::floor(rect.origin.x / MKWorldSide) * MKWorldSide;
+    const double beyond = left + rect.size.width - MKWorldSide;
+    if (beyond < 0) {
+        _index.search(MKMapRectMake(left, rect.origin.y, rect.size.width, height), take);
+    } else {
+        // Both edges of the world are one line: the two parts are a world's gap apart and share no point.
+        _index.search(MKMapRectMake(left, rect.origin.y, MKWorldSide - left, height), take);
+        _index.search(MKMapRectMake(0, rect.origin.y, beyond, height), take);
+    }
+    return numbers;
+}
+
+bool MKAnnotationStore::isIn(const MKMapRect& rect, MKMapPoint point) {
+    if (point.y < rect.origin.y || point.y > MKMapRectGetMaxY(rect)) {
+        return false;
+    }
+    const double fromLeft = point.x - rect.origin.x;
+    return fromLeft - std::floor(fromLeft / MKWorldSide) * MKWorldSide <= rect.size.width;
+}
+
+} // namespace veyra

@@ -1,0 +1,54 @@
+// The annotations of a map, each under a number: its object, its point on the flat world, and the view that it has
+// while it is in view. Owned by the map's annotations; main queue only.
+#pragma once
+
+#include "Platform/MapKit/MKAnnotationView.h"
+#include "Platform/MapKit/MKPointIndex.h"
+
+#include <unordered_map>
+
+namespace veyra {
+
+class MKAnnotationStore {
+public:
+    static constexpr uint32_t none = UINT32_MAX;
+
+    struct Entry {
+        std::shared_ptr<MKAnnotation> annotation; // null: the number is free
+        std::shared_ptr<MKAnnotationView> view;
+        MKMapPoint point; // x in the world
+        bool hasPoint = false;
+        bool hasBeenShown = false; // a pin falls once
+        bool isNewInOrder = false;
+        bool waitsToDrop = false;  // not drawn until its fall begins
+        float lift = 0;            // points that the view is drawn above its place
+        uint32_t attachSerial = 0; // tells the times apart that the annotation was given a view
+        uint32_t position = none;  // in the drawing order as it was last made
+    };
+
+    /// The number of a new annotation, or `none` for one that is there already.
+    uint32_t add(const std::shared_ptr<MKAnnotation>& annotation);
+    /// Frees the number. The entry has no view any more.
+    void remove(uint32_t number);
+    /// The annotation's number, or `none`.
+    uint32_t find(const MKAnnotation* annotation) const;
+    /// Reads the annotation's coordinate anew.
+    void updatePoint(uint32_t number);
+
+    Entry& operator[](uint32_t number) { return _entries[number]; }
+    const Entry& operator[](uint32_t number) const { return _entries[number]; }
+    size_t size() const { return _numbers.size(); }
+    std::vector<std::shared_ptr<MKAnnotation>> all() const;
+    /// The numbers of the annotations in a rectangle of the map, which may lie on any copy of the world or on several.
+    std::vector<uint32_t> numbersIn(const MKMapRect& rect) const;
+    /// Whether a point of the world lies in the rectangle, on any copy.
+    static bool isIn(const MKMapRect& rect, MKMapPoint point);
+
+private:
+    std::vector<Entry> _entries;
+    std::vector<uint32_t> _free;
+    std::unordered_map<const MKAnnotation*, uint32_t> _numbers;
+    MKPointIndex _index;
+};
+
+} // namespace veyra

@@ -1,0 +1,123 @@
+#include "Platform/MapKit/MKAnnotationView.h"
+
+#include "Platform/MapKit/MKAnnotationContainerView.h"
+#include "Platform/MapKit/MKSpriteCache.h"
+
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+CGPoint finite(CGPoint offset) {
+    return {std::isfinite(offset.x) ? offset.x : 0, std::isfinite(offset.y) ? offset.y : 0};
+}
+
+} // namespace
+
+Class MKAnnotationView::classObject() {
+    static auto* const cls = new ClassObject("MKAnnotationView", NSObject::classObject(), {});
+    return cls;
+}
+
+std::shared_ptr<MKAnnotationView>
+MKAnnotationView::initWithAnnotationReuseIdentifier(const std::shared_ptr<MKAnnotation>& annotation,
+                                                    const std::optional<NSString>& reuseIdentifier) {
+    return std::shared_ptr<MKAnnotationView>(new MKAnnotationView(annotation, reuseIdentifier));
+}
+
+void MKAnnotationView::setAnnotation(const std::shared_ptr<MKAnnotation>& annotation) {
+    _annotation = annotation;
+    didChangeCallout();
+}
+
+void MKAnnotationView::setImage(const std::shared_ptr<UIImage>& image) {
+    if (image != _image) {
+        willChangeLook();
+        _image = image;
+        didChangeLook();
+    }
+}
+
+void MKAnnotationView::setCenterOffset(CGPoint offset) {
+    if (!(finite(offset) == _centerOffset)) {
+        willChangeLook();
+        _centerOffset = finite(offset);
+        didChangeLook();
+    }
+}
+
+void MKAnnotationView::setCalloutOffset(CGPoint offset) {
+    _calloutOffset = finite(offset);
+    didChangeCallout();
+}
+
+CGRect MKAnnotationView::extent() const {
+    const CGSize size = _image ? _image->size() : CGSize{};
+    return {{_centerOffset.x - size.width / 2, _centerOffset.y - size.height / 2}, size};
+}
+
+void MKAnnotationView::setEnabled(bool enabled) {
+    _enabled = enabled;
+}
+
+void MKAnnotationView::setCanShowCallout(bool can) {
+    if (can != _canShowCallout) {
+        _canShowCallout = can;
+        didChangeCallout();
+    }
+}
+
+void MKAnnotationView::setLeftCalloutAccessoryView(const std::shared_ptr<UIView>& view) {
+    if (view != _leftCalloutAccessoryView) {
+        _leftCalloutAccessoryView = view;
+        didChangeCallout();
+    }
+}
+
+void MKAnnotationView::setRightCalloutAccessoryView(const std::shared_ptr<UIView>& view) {
+    if (view != _rightCalloutAccessoryView) {
+        _rightCalloutAccessoryView = view;
+        didChangeCallout();
+    }
+}
+
+void MKAnnotationView::setDraggable(bool draggable) {
+    if (draggable != _draggable) {
+        _draggable = draggable;
+        didChangeCallout();
+    }
+}
+
+void MKAnnotationView::setDragStateAnimated(MKAnnotationViewDragState state, bool) {
+    _dragState = state;
+}
+
+CGRect MKAnnotationView::frame() const {
+    return _observer ? _observer->frameOfAnnotationView(*this) : CGRect{};
+}
+
+std::shared_ptr<const MKSprite> MKAnnotationView::makeSprite(MKSpriteCache& cache, double deviceScale) const {
+    return _image ? cache.spriteForImage(_image, deviceScale) : nullptr;
+}
+
+void MKAnnotationView::willChangeLook() {
+    if (_observer) {
+        _observer->annotationViewWillChangeLook(*this);
+    }
+}
+
+void MKAnnotationView::didChangeLook() {
+    _sprite = nullptr;
+    if (_observer) {
+        _observer->annotationViewDidChangeLook(*this);
+    }
+}
+
+void MKAnnotationView::didChangeCallout() {
+    if (_observer) {
+        _observer->annotationViewDidChangeCallout(*this);
+    }
+}
+
+} // namespace veyra

@@ -1,0 +1,43 @@
+// A pin, its tip on the coordinate. Main queue only.
+#pragma once
+
+#include "Platform/MapKit/MKAnnotationView.h"
+
+namespace veyra {
+
+/// With the platform's numbers.
+enum MKPinAnnotationColor : unsigned {
+    MKPinAnnotationColorRed = 0,
+    MKPinAnnotationColorGreen = 1,
+    MKPinAnnotationColorPurple = 2,
+};
+
+class MKPinAnnotationView final : public MKAnnotationView {
+public:
+    VEYRA_CLASS()
+
+    static std::shared_ptr<MKPinAnnotationView>
+    initWithAnnotationReuseIdentifier(const std::shared_ptr<MKAnnotation>& annotation,
+                                      const std::optional<NSString>& reuseIdentifier);
+
+    /// Default red. What is none of the colours is red.
+    MKPinAnnotationColor pinColor() const { return _pinColor; }
+    void setPinColor(uint64_t color);
+    /// Whether the pin falls onto the map when it is put there. Default false.
+    bool animatesDrop() const { return _animatesDrop; }
+    void setAnimatesDrop(bool animates) { _animatesDrop = animates; }
+
+    CGRect extent() const override;
+
+protected:
+    std::shared_ptr<const MKSprite> makeSprite(MKSpriteCache& cache, double deviceScale) const override;
+
+private:
+    MKPinAnnotationView(const std::shared_ptr<MKAnnotation>& annotation, const std::optional<NSString>& reuseIdentifier)
+        : MKAnnotationView(annotation, reuseIdentifier) {}
+
+    MKPinAnnotationColor _pinColor = MKPinAnnotationColorRed;
+    bool _animatesDrop = false;
+};
+
+} // namespace veyra

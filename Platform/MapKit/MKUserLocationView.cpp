@@ -1,0 +1,43 @@
+#include "Platform/MapKit/MKUserLocationView.h"
+
+#include "Platform/MapKit/MKGeometry.h"
+#include "Platform/MapKit/MKPinArtwork.h"
+#include "Platform/MapKit/MKSpriteCache.h"
+
+#include <cmath>
+
+namespace veyra {
+
+Class MKUserLocationView::classObject() {
+    static auto* const cls = new ClassObject("MKUserLocationView", MKAnnotationView::classObject(), {});
+    return cls;
+}
+
+MKUserLocationView::MKUserLocationView(const std::shared_ptr<MKUserLocation>& location)
+    : MKAnnotationView(location, std::nullopt) {}
+
+std::shared_ptr<MKUserLocationView>
+MKUserLocationView::viewForLocation(const std::shared_ptr<MKUserLocation>& location) {
+    std::shared_ptr<MKUserLocationView> view(new MKUserLocationView(location));
+    view->setCanShowCallout(true);
+    return view;
+}
+
+double MKUserLocationView::accuracyInMapPoints() const {
+    const auto annotation = std::dynamic_pointer_cast<MKUserLocation>(this->annotation());
+    const auto location = annotation ? annotation->location() : nullptr;
+    if (!location || !(location->horizontalAccuracy() > 0) || !std::isfinite(location->horizontalAccuracy())) {
+        return 0;
+    }
+    return location->horizontalAccuracy() * MKMapPointsPerMeterAtLatitude(location->coordinate().latitude);
+}
+
+CGRect MKUserLocationView::extent() const {
+    return MKPinArtwork::dotExtent.offsetBy(centerOffset().x, centerOffset().y);
+}
+
+std::shared_ptr<const MKSprite> MKUserLocationView::makeSprite(MKSpriteCache& cache, double deviceScale) const {
+    return cache.spriteForLocationDot(deviceScale);
+}
+
+} // namespace veyra

@@ -1,0 +1,115 @@
+// Images from the bytes of a file. What arrives from a network is trusted with nothing: the kind of image is told by
+// its first bytes and only that decoder is used, and the size is looked at before memory is taken for the pixels.
+#include "Platform/Foundation/WorkQueue.h"
+#include "Platform/UIKit/UIImage.h"
+
+#include <gdk-pixbuf/gdk-pixbuf.h>
+
+#include <algorithm>
+
+namespace veyra {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// The decoder does not check its own errors while it sets up an animation.
+bool isAnimatedWebP(std::string_view data) {
+    return data.substr(12, 4) == "VP8X"sv && (data[20] & 2) != 0;
+}
+
+/// The decoder for bytes that begin so, or null.
+const char* decoderFor(std::string_view data) {
+    if (data.starts_with("\x89PNG\r\n\x1a\n"sv))
+        return "png";
+    if (data.starts_with("\xff\xd8\xff"sv))
+        return "jpeg";
+    if (data.starts_with("GIF87a"sv) || data.starts_with("GIF89a"sv))
+        return "gif";
+    if (data.starts_with("RIFF"sv) && data.size() >= 21 && data.substr(8, 4) == "WEBP"sv)
+        return isAnimatedWebP(data) ? nullptr : "webp";
+    if (data.starts_with("\x1f\x8b"sv)) // compressed SVG
+        return "svg";
+    if (data.starts_with("\xef\xbb\xbf"sv))
+        data.remove_prefix(3);
+    const size_t first = data.find_first_not_of(" \t\r\n"sv);
+    return first != data.npos && data[first] == '<' ? "svg" : nullptr;
+}
+
+/// Takes the pixels only if there are not too many.
+void refuseTooLarge(GdkPixbufLoader* loader, int width, int height, gpointer refused) {
+    if (width > 0 && height > 0 && int64_t{width} * height <= UIImage::maximumDecodedPixels)
+        return;
+    *static_cast<bool*>(refused) = true;
+    gdk_pixbuf_loader_set_size(loader, 0, 0);
+}
+
+/// The first picture in the data, upright, or null. The caller gives it back.
+GdkPixbuf* decoded(const char* decoder, std::string_view data) {
+    GdkPixbufLoader* const loader = gdk_pixbuf_loader_new_with_type(decoder, nullptr);
+    if (!loader) // the machine has no such decoder
+        return nullptr;
+    bool refused = false;
+    g_signal_connect(loader, "size-prepared", G_CALLBACK(refuseTooLarge), &refused);
+    bool good = true;
+    // In pieces, so that an image that was refused is not decoded any further.
+    constexpr size_t piece = 4096;
+    for (; good && !refused && !data.empty(); data.remove_prefix(std::min(piece, data.size())))
+        good = gdk_pixbuf_loader_write(loader, reinterpret_cast<const guchar*>(data.data()),
+                                       std::min(piece, data.size()), nullptr);
+    good = gdk_pixbuf_loader_close(loader, nullptr) && good && !refused;
+    GdkPixbuf* const pixbuf = good ? gdk_pixbuf_loader_get_pixbuf(loader) : nullptr;
+    GdkPixbuf* const upright = pixbuf ? gdk_pixbuf_apply_embedded_orientation(pixbuf) : nullptr;
+    g_object_unref(loader);
+    return upright;
+}
+
+uint32_t premultiplied(uint32_t channel, uint32_t alpha) {
+    const uint32_t product = channel * alpha + 0x80;
+    return (product + (product >> 8)) >> 8;
+}
+
+UIImage::Pixels premultipliedPixels(const GdkPixbuf* pixbuf) {
+    const int width = gdk_pixbuf_get_width(pixbuf);
+    const int height = gdk_pixbuf_get_height(pixbuf);
+    const int channels = gdk_pixbuf_get_n_channels(pixbuf);
+    const auto stride = static_cast<size_t>(gdk_pixbuf_get_rowstride(pixbuf));
+    const guint8* const bytes = gdk_pixbuf_read_pixels(pixbuf);
+    UIImage::Pixels pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    uint32_t* out = pixels.data();
+    for (int y = 0; y < height; ++y) {
+        const guint8* in = bytes + static_cast<size_t>(y) * stride;
+        for (int x = 0; x < width; ++x, in += channels) {
+            const uint32_t alpha = channels == 4 ? in[3] : 255;
+            *out++ = alpha << 24 | premultiplied(in[0], alpha) << 16 | premultiplied(in[1], alpha) << 8 |
+                     premultiplied(in[2], alpha);
+        }
+    }
+    return pixels;
+}
+
+} // namespace
+
+std::shared_ptr<UIImage> UIImage::imageWithData(std::string_view data) {
+    const char* const decoder = decoderFor(data);
+    GdkPixbuf* const pixbuf = decoder ? decoded(decoder, data) : nullptr;
+    if (!pixbuf)
+        return nullptr;
+    std::shared_ptr<UIImage> image;
+    if (gdk_pixbuf_get_bits_per_sample(pixbuf) == 8)
+        image =
+            imageWithPixels(gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf), premultipliedPixels(pixbuf));
+    g_object_unref(pixbuf);
+    return image;
+}
+
+void UIImage::decodeData(std::string data, std::function<void(std::shared_ptr<UIImage>)> completion) {
+    dispatch_async(dispatch_get_global_queue(), [data = std::move(data), completion = std::move(completion)]() mutable {
+        std::shared_ptr<UIImage> image;
+        runGuarded("image decoder", [&] { image = imageWithData(data); });
+        dispatch_async(dispatch_get_main_queue(),
+                       [image = std::move(image), completion = std::move(completion)] { completion(image); });
+    });
+}
+
+} // namespace veyra

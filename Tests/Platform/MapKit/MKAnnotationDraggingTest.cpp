@@ -1,0 +1,235 @@
+// Dragging of annotations, and pins that fall.
+#include "Tests/Platform/MapKit/AnnotationFixture.h"
+
+#include <chrono>
+#include <thread>
+
+namespace veyra {
+
+namespace {
+
+class Dragging : public AnnotationTest {
+protected:
+    std::shared_ptr<TestAnnotation> draggable(CLLocationCoordinate2D place) {
+        auto made = add("a", place);
+        map->viewForAnnotation(made)->setDraggable(true);
+        settle();
+        takeCalls();
+        return made;
+    }
+    /// Half a second on the main queue.
+    void hold(double seconds = 0.55) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+        while (std::chrono::steady_clock::now() < end) {
+            runQueue();
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(Dragging, LiftsAfterHalfASecondAndSetsDown) {
+    showAround();
+    const auto a = draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold(0.3);
+    EXPECT_EQ(calls(), Calls());
+    hold(0.3);
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 1<0", "drag a 2<1"}));
+    touch(1, UITouchPhase::Moved, {250, 130});
+    EXPECT_NEAR(a->position.longitude, 5, 1e-6);
+    CLLocationCoordinate2D ended;
+    delegate->onCall = [&](const std::string& call) {
+        if (call == "drag a 4<2") {
+            ended = a->position;
+        }
+    };
+    touch(1, UITouchPhase::Ended, {260, 120});
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 4<2", "drag a 0<4"}));
+    EXPECT_NEAR(ended.longitude, 6, 1e-6);
+    EXPECT_GT(ended.latitude, 0.9);
+    EXPECT_EQ(map->viewForAnnotation(a)->dragState(), MKAnnotationViewDragStateNone);
+    EXPECT_NEAR(map->viewForAnnotation(a)->frame().center().x, 260, 1e-6);
+    EXPECT_EQ(delegate->regionChanges, 0);
+}
+
+TEST_F(Dragging, IsNotForViewsThatAreNotDraggable) {
+    showAround();
+    add("a", {0, 0});
+    settle();
+    takeCalls();
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold();
+    touch(1, UITouchPhase::Moved, {250, 130});
+    touch(1, UITouchPhase::Ended, {250, 130});
+    EXPECT_EQ(calls(), Calls());
+}
+
+TEST_F(Dragging, IsCancelledByASecondFingerOnTheMap) {
+    showAround();
+    const auto a = draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold();
+    touch(1, UITouchPhase::Moved, {250, 130});
+    takeCalls();
+    touch(2, UITouchPhase::Began, {30, 280});
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 3<2", "drag a 0<3"}));
+    EXPECT_EQ(a->position.longitude, 0);
+    touch(1, UITouchPhase::Moved, {300, 130});
+    EXPECT_EQ(a->position.longitude, 0);
+}
+
+TEST_F(Dragging, IsCancelledByEscape) {
+    showAround();
+    const auto a = draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold();
+    touch(1, UITouchPhase::Moved, {250, 130});
+    takeCalls();
+    UIKeyEvent escape;
+    escape.key = "Escape";
+    window->sendEvent(escape);
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 3<2", "drag a 0<3"}));
+    EXPECT_EQ(a->position.longitude, 0);
+}
+
+TEST_F(Dragging, IsCancelledWhenTheViewMayNoLongerBeDragged) {
+    showAround();
+    const auto a = draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold();
+    takeCalls();
+    map->viewForAnnotation(a)->setDraggable(false);
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 3<2", "drag a 0<3"}));
+}
+
+TEST_F(Dragging, IsCancelledByTheRemovalOfTheAnnotation) {
+    showAround();
+    const auto a = draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold();
+    takeCalls();
+    map->removeAnnotation(a);
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 3<2", "drag a 0<3"}));
+    touch(1, UITouchPhase::Ended, {200, 130});
+    EXPECT_EQ(takeCalls(), Calls());
+    EXPECT_TRUE(map->annotations().empty());
+}
+
+TEST_F(Dragging, LeavesTheWorldAtNoEdge) {
+    showAround({83, 179});
+    const auto a = draggable({83, 179});
+    const CGPoint at = pointOf(a);
+    touch(1, UITouchPhase::Began, {at.x, at.y - 20});
+    hold();
+    touch(1, UITouchPhase::Moved, {at.x + 40, -500});
+    EXPECT_NEAR(a->position.longitude, -177, 1e-6);
+    EXPECT_LE(a->position.latitude, 85.0511288);
+    touch(1, UITouchPhase::Ended, {at.x + 40, -500});
+}
+
+TEST_F(Dragging, KeepsTheTipUnderTheFingersGripWhileLifted) {
+    showAround();
+    const auto a = draggable({0, 0});
+    const double resting = map->viewForAnnotation(a)->frame().minY();
+    touch(1, UITouchPhase::Began, {200, 130});
+    hold();
+    EXPECT_LT(map->viewForAnnotation(a)->frame().minY(), resting);
+    EXPECT_EQ(a->position.latitude, 0);
+    touch(1, UITouchPhase::Ended, {200, 130});
+    EXPECT_NEAR(map->viewForAnnotation(a)->frame().minY(), resting, 1e-6);
+    EXPECT_NEAR(a->position.latitude, 0, 1e-9);
+}
+
+namespace {
+
+class Dropping : public AnnotationTest {
+protected:
+    Dropping() {
+        delegate->makeView = [](MKMapView&, const std::shared_ptr<MKAnnotation>& annotation) {
+            auto pin = MKPinAnnotationView::initWithAnnotationReuseIdentifier(annotation, "pin");
+            pin->setAnimatesDrop(true);
+            return pin;
+        };
+    }
+    double top(const std::shared_ptr<TestAnnotation>& annotation) const {
+        return map->viewForAnnotation(annotation)->frame().minY();
+    }
+};
+
+} // namespace
+
+TEST_F(Dropping, APinFallsFromAboveTheMapWithABounce) {
+    showAround();
+    const auto a = add("a", {0, 0});
+    const double resting = 150 - 36;
+    std::vector<double> tops;
+    while (tops.empty() || !window->isIdle()) {
+        frame();
+        tops.push_back(top(a));
+        ASSERT_LT(tops.size(), 60U);
+    }
+    EXPECT_LT(tops.front(), -35);
+    EXPECT_EQ(tops.back(), resting);
+    EXPECT_NEAR(static_cast<double>(tops.size()), 0.4 * 60, 3);
+    size_t i = 1;
+    for (; tops[i] > tops[i - 1]; ++i) {
+    }
+    EXPECT_NEAR(tops[i - 1], resting, 15); // has reached the ground, a frame before or after
+    EXPECT_LT(*std::min_element(tops.begin() + static_cast<std::ptrdiff_t>(i), tops.end()), resting - 4);
+    EXPECT_GT(*std::min_element(tops.begin() + static_cast<std::ptrdiff_t>(i), tops.end()), resting - 8);
+}
+
+TEST_F(Dropping, PinsOfABatchFallOneAfterTheOther) {
+    showAround();
+    const auto a = add("a", {0, 0}), b = add("b", {0, 1});
+    frame();
+    EXPECT_TRUE(map->viewForAnnotation(a)->frame().minY() < 0);
+    for (int i = 0; i < 10; ++i) {
+        frame();
+        EXPECT_GT(top(a), top(b));
+    }
+    settle();
+    EXPECT_EQ(top(a), top(b));
+}
+
+TEST_F(Dropping, ALargeBatchTakesNoLongerThanASecond) {
+    showAround();
+    for (int i = 0; i < 500; ++i) {
+        add("a", {i / 100.0, i % 20 - 10.0});
+    }
+    const double start = now;
+    settle();
+    EXPECT_GT(now - start, 0.9);
+    EXPECT_LT(now - start, 1.1);
+}
+
+TEST_F(Dropping, HappensOnceForAnAnnotation) {
+    showAround();
+    const auto a = add("a", {0, 0});
+    settle();
+    map->setCenterCoordinate({0, 100});
+    map->setCenterCoordinate({0, 0});
+    frame();
+    EXPECT_NEAR(top(a), 150 - 36, 1e-6);
+}
+
+TEST_F(Dropping, IsLeftOutInAHiddenWindow) {
+    showAround();
+    window->setVisible(false);
+    const auto a = add("a", {0, 0});
+    runQueue();
+    EXPECT_NEAR(top(a), 150 - 36, 1e-6);
+}
+
+TEST_F(Dropping, EndsWhenThePinIsRemoved) {
+    showAround();
+    const auto a = add("a", {0, 0});
+    frames(3);
+    map->removeAnnotation(a);
+    settle();
+    EXPECT_EQ(pixelAt(200, 140), 0x00ff00U);
+}
+
+} // namespace veyra

@@ -27,6 +27,7 @@ constexpr Page pages[] = {
     {"Layout", "layout.js", "/pages/layout.html"},
     {"Arguments", "arguments.js", "/pages/arguments.html"},
     {"Overlays", "overlays.js", "/pages/overlays.html"},
+    {"OverlaysUnderStrictPolicy", "overlays.js", "/pages/overlays.html?csp"},
 };
 
 class BehaviourTest : public testing::Test {

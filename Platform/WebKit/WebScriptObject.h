@@ -54,8 +54,8 @@ private:
 
     const std::shared_ptr<ScriptContext> _context;
     JSObjectRef const _object;
-    std::optional<unsigned> _slot;         // none while only the running call's arguments keep the object; web thread
-    ScriptReadAhead* _readAhead = nullptr; // that answers reads just now; web thread
+    std::optional<unsigned> _slot;           // none while only the running call's arguments keep the object; web thread
+    ScriptReadAhead* _readAhead = nullptr;   // that answers reads just now; web thread
     WebScriptObjectValues* _ahead = nullptr; // while an element of an array is visited; web thread
 };
 

@@ -57,7 +57,8 @@ double areaOf(const PositionLine& line) {
     double sum = 0;
     for (std::size_t i = 0; i < line.size(); ++i) {
         const Position &a = line[i], &b = line[(i + 1) % line.size()];
-        sum += (b.longitude - a.longitude) * (std::sin(a.latitude * radians) + std::sin(b.latitude * radians)) / 2;
+        const double across = std::remainder(b.longitude - a.longitude, 360);
+        sum += across * (std::sin(a.latitude * radians) + std::sin(b.latitude * radians)) / 2;
     }
     return std::abs(sum) / radians;
 }

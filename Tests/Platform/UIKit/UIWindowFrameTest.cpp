@@ -50,6 +50,16 @@ TEST_F(UIWindowFrameTest, WhileNothingChangesNothingIsRequestedOrDrawn) {
     EXPECT_EQ(calls, Calls{});
 }
 
+TEST_F(UIWindowFrameTest, AnotherInterfaceStyleDrawsEverythingAnewAndTheSameOneNothing) {
+    EXPECT_EQ(window->userInterfaceStyle(), UIUserInterfaceStyleLight);
+    window->setUserInterfaceStyle(UIUserInterfaceStyleLight);
+    EXPECT_EQ(requests, 0);
+    window->setUserInterfaceStyle(UIUserInterfaceStyleDark);
+    EXPECT_EQ(window->userInterfaceStyle(), UIUserInterfaceStyleDark);
+    EXPECT_EQ(requests, 1);
+    EXPECT_EQ(window->drawFrame(1), (Rects{{0, 0, 200, 100}}));
+}
+
 TEST_F(UIWindowFrameTest, OneRequestServesUntilTheNextFrame) {
     view->setNeedsDisplay();
     view->setNeedsDisplay();

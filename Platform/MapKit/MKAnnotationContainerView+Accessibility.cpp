@@ -24,6 +24,7 @@ UIAccessibilityState MKAnnotationContainerView::accessibilityState() {
     if (!isShowingMap()) {
         return state;
     }
+    checkFocus();
     const uint32_t focused = _focus.number;
     const auto add = [&](UIAccessibilityAction action, const std::string& label) {
         state.elements.push_back({action, label});

@@ -95,8 +95,12 @@ std::shared_ptr<UIView> MKAnnotationContainerView::hitTest(CGPoint point) {
 }
 
 void MKAnnotationContainerView::mapTouched() {
-    if (isDragging()) {
-        _dragRecognizer->cancel();
+    if (_dragsByKeys) {
+        endDrag(true);
+    }
+    _dragRecognizer->cancel();
+    if (_focus.number != none) {
+        setFocus({});
     }
 }
 

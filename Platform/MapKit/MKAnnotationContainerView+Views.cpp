@@ -246,6 +246,7 @@ void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnno
         if (const uint32_t still = _store.find(annotation.get()); still != none && _store[still].view) {
             detach(still);
         }
+        publishKeys();
         return;
     }
     addToOrder(number);

@@ -186,6 +186,31 @@ TEST_F(AnnotationKeys, SpaceLiftsADraggableViewAndArrowsMoveIt) {
     EXPECT_NEAR(a->position.longitude, 1.1, 1e-6);
 }
 
+TEST_F(AnnotationKeys, ATouchOnTheMapTakesBackWhatTheKeysHaveLifted) {
+    showAround();
+    const auto a = shown("a", {0, 0});
+    map->viewForAnnotation(a)->setDraggable(true);
+    press("Tab");
+    press(" ");
+    press("ArrowRight");
+    takeCalls();
+    touch(1, UITouchPhase::Began, {30, 280});
+    EXPECT_EQ(takeCalls(), (Calls{"drag a 3<2", "drag a 0<3"}));
+    EXPECT_EQ(a->position.longitude, 0);
+    EXPECT_EQ(keys(), "T");
+}
+
+TEST_F(AnnotationKeys, WhatIsMovedAwayByOthersLosesTheFocus) {
+    showAround();
+    const auto a = shown("a", {0, 0});
+    press("Tab");
+    a->position = {0, 120};
+    map->annotationCoordinateDidChange(a);
+    EXPECT_EQ(keys(), "");
+    press("Enter");
+    EXPECT_EQ(takeCalls(), Calls());
+}
+
 TEST_F(AnnotationKeys, ArrowsStillMoveTheMapOtherwise) {
     showAround();
     shown("a", {0, 0});

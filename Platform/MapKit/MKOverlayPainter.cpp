@@ -22,7 +22,8 @@ MKPixelBox boxOf(const PixelRect& rect) {
             static_cast<double>(rect.maxY())};
 }
 
-int wholePixel(double value) {
+/// A whole number, not too large for an integer.
+int whole(double value) {
     return static_cast<int>(std::clamp(value, -1e9, 1e9));
 }
 
@@ -43,12 +44,13 @@ MKOverlayPainter::Copies MKOverlayPainter::copiesOf(const MKOverlayFigure& figur
     const double world = MKWorldSide * _scene.view.scale;
     // One more on either side makes up for the rounding of the copies' places.
     const double first = std::floor((area.minX - box.maxX) / world), last = std::ceil((area.maxX - box.minX) / world);
-    return {static_cast<int>(std::max(first, -mostCopies / 2.0)), static_cast<int>(std::min(last, mostCopies / 2.0))};
+    const int from = whole(first);
+    return {from, whole(std::min(last, from + static_cast<double>(mostCopies)))};
 }
 
 PixelRect MKOverlayPainter::extent() const {
-    const PixelRect whole{0, 0, _scene.view.width, _scene.view.height};
-    const MKPixelBox area = veyra::boxOf(whole);
+    const PixelRect picture{0, 0, _scene.view.width, _scene.view.height};
+    const MKPixelBox area = veyra::boxOf(picture);
     MKPixelBox all{area.maxX, area.maxY, area.minX, area.minY};
     for (const auto& figure : *_scene.figures) {
         const Copies copies = copiesOf(*figure, area);
@@ -63,10 +65,10 @@ PixelRect MKOverlayPainter::extent() const {
     if (all.minX >= all.maxX) {
         return {};
     }
-    const int left = wholePixel(std::floor(std::max(all.minX, area.minX)));
-    const int top = wholePixel(std::floor(std::max(all.minY, area.minY)));
-    return {left, top, wholePixel(std::ceil(std::min(all.maxX, area.maxX))) - left,
-            wholePixel(std::ceil(std::min(all.maxY, area.maxY))) - top};
+    const int left = whole(std::floor(std::max(all.minX, area.minX)));
+    const int top = whole(std::floor(std::max(all.minY, area.minY)));
+    return {left, top, whole(std::ceil(std::min(all.maxX, area.maxX))) - left,
+            whole(std::ceil(std::min(all.maxY, area.maxY))) - top};
 }
 
 void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) {

@@ -67,12 +67,6 @@ void FramePresenter::start() {
                 }
             });
         });
-        window->setOpenURLHandler([weak](const std::string&) {
-            webThread().async([weak] {
-                if (const auto self = weak.lock(); self && self->isShown())
-                    self->_surface.followCaption();
-            });
-        });
     });
 }
 
@@ -107,7 +101,7 @@ void FramePresenter::frameWanted() {
 void FramePresenter::advance() {
     if (isShown()) {
         if (_newCaption)
-            _surface.setCaption(_newCaption->text, _newCaption->url);
+            _surface.setCaption(*_newCaption);
         _newCaption.reset();
         if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
             startDrawing();

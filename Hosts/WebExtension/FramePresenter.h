@@ -52,7 +52,7 @@ private:
     const std::function<void()> _settled;
     SurfaceScript _surface;
     std::shared_ptr<PixelBuffers> _buffers; // main queue only
-    std::optional<UICaption> _newCaption; // that the page has not been given
+    std::optional<UICaption> _newCaption;   // that the page has not been given
     CGSize _size;
     double _scale = 1;
     bool _isVisible = false;

@@ -36,19 +36,19 @@ std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const {
     return std::make_shared<Hold>(_context, _arrays);
 }
 
-void SurfaceScript::setCaption(const std::string& text, const std::string& url) {
+void SurfaceScript::setCaption(const UICaption& caption) {
     const auto string = [this](const std::string& value) {
         JSStringRef characters = JSStringCreateWithUTF8CString(value.c_str());
         const JSValueRef made = JSValueMakeString(_context, characters);
         JSStringRelease(characters);
         return made;
     };
-    const JSValueRef textValue = string(text), urlValue = string(url); // on the stack: safe from the collector
-    callMethod(_context, _surface, "setCaption", {textValue, urlValue});
-}
-
-void SurfaceScript::followCaption() {
-    callMethod(_context, _surface, "followCaption", {});
+    const auto number = [this](double value) { return JSValueMakeNumber(_context, value); };
+    const JSValueRef text = string(caption.text), url = string(caption.url); // on the stack: safe from the collector
+    const CGRect& frame = caption.frame;
+    callMethod(_context, _surface, "setCaption",
+               {text, url, number(frame.origin.x), number(frame.origin.y), number(frame.size.width),
+                number(frame.size.height)});
 }
 
 void SurfaceScript::keepAlive(JSObjectRef object) {

@@ -117,11 +117,6 @@ void UIWindow::setCaptionHandler(std::function<void(const UICaption&)> handler) 
         handing(_caption);
 }
 
-void UIWindow::openURL(const std::string& url) {
-    if (const auto handler = _openURLHandler)
-        handler(url);
-}
-
 void UIWindow::sendEvent(const UIEvent& event) {
     const auto self = sharedView(); // handlers may drop the window
     std::visit(Overloaded{[this](const UITouchEvent& touch) { _gestures->handleTouch(*this, touch); },

@@ -75,12 +75,6 @@ void FramePresenter::start() {
                 }
             });
         });
-        window->setOpenURLHandler([weak](const std::string&) {
-            webThread().async([weak] {
-                if (const auto self = weak.lock(); self && self->isShown())
-                    self->_surface.followCaption();
-            });
-        });
     });
 }
 
@@ -120,7 +114,7 @@ void FramePresenter::frameWanted() {
 void FramePresenter::advance() {
     if (isShown()) {
         if (_newCaption)
-            _surface.setCaption(_newCaption->text, _newCaption->url);
+            _surface.setCaption(*_newCaption);
         _newCaption.reset();
         if (_newAccessibilityState)
             _surface.setAccessibilityState(*_newAccessibilityState);

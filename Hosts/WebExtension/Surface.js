@@ -227,16 +227,22 @@
             return this.images.map((image) => image.data);
         }
 
-        // Called by the native side: what stands in a canvas is not seen, but read and reached by the keyboard.
-        setCaption(text, url) {
+        // Called by the native side. What stands in a canvas is not seen, but read and reached by the keyboard; the text is
+        // painted in the rectangle.
+        setCaption(text, url, x, y, width, height) {
             const caption = document.createElement(url ? 'a' : 'span');
             caption.textContent = text;
             if (url) {
                 caption.href = url;
                 caption.target = '_blank';
                 caption.rel = 'noopener noreferrer';
+                caption.addEventListener('click', (event) => event.stopPropagation()); // the page has had its click
             }
             this.caption.replaceChildren(caption);
+            this.clicked = (at) => {
+                if (url && at.x >= x && at.x < x + width && at.y >= y && at.y < y + height)
+                    caption.click(); // within the user's click, as the engine opens nothing later
+            };
         }
 
         // Called by the native side: what has the focus in the map, then an element a line, the number of what it does in
@@ -255,11 +261,6 @@
                 return button;
             });
             this.elements.replaceChildren(...buttons);
-        }
-
-        // Likewise: the user has clicked where the text is painted.
-        followCaption() {
-            this.caption.firstElementChild?.click();
         }
 
         // `changes` is the image's index, then x, y, width and height of each rectangle.

@@ -21,6 +21,7 @@
     // of a drag that was left to the page.
     const emulationTime = 1000, emulationDistance = 32;
     const pointsInLine = 40;
+    const clickDistance = 6;
 
     function age(event) {
         return Math.max(0, performance.now() - event.timeStamp);
@@ -31,6 +32,7 @@
         const pressed = new Set();
         let fingers = 0;
         let lastTouch = null;
+        let pressedAt = null;
 
         const uses = (bits) => (host.inputPolicy(map.handle) & bits) !== 0;
         const local = (at) => webkitConvertPointFromPageToNode(canvas, new WebKitPoint(at.pageX, at.pageY));
@@ -77,8 +79,16 @@
 
         // A press on the map selects no text of the page and starts no drag of its own.
         function onMouseDown(event) {
+            pressedAt = event.button === 0 ? { x: event.clientX, y: event.clientY } : null;
             if (event.button === 0 && uses(usesDrags))
                 event.preventDefault();
+        }
+
+        // Of a press that has not moved; touches come here too, as the presses that the engine makes of them.
+        function onClick(event) {
+            if (event.target === canvas && pressedAt !== null &&
+                Math.hypot(event.clientX - pressedAt.x, event.clientY - pressedAt.y) < clickDistance)
+                map.clicked(local(event));
         }
 
         const phases = { touchstart: began, touchmove: moved, touchend: ended, touchcancel: cancelled };
@@ -121,6 +131,7 @@
         for (const type of ['pointerup', 'pointercancel', 'lostpointercapture'])
             canvas.addEventListener(type, onPointerEnd);
         canvas.addEventListener('mousedown', onMouseDown);
+        canvas.addEventListener('click', onClick);
         for (const type of Object.keys(phases))
             canvas.addEventListener(type, onTouch, { passive: false });
         canvas.addEventListener('wheel', onWheel, { passive: false });

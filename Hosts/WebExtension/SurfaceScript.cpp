@@ -49,12 +49,6 @@ std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const {
     return std::make_shared<Hold>(_context, _arrays);
 }
 
-void SurfaceScript::setCaption(const std::string& text, const std::string& url) {
-    const JSValueRef textValue = makeString(_context, text),
-                     urlValue = makeString(_context, url); // on the stack: safe from the collector
-    callMethod(_context, _surface, "setCaption", {textValue, urlValue});
-}
-
 // One string: the status, then an element a line, its action's number in front of its label. Line feeds in labels have
 // become spaces.
 void SurfaceScript::setAccessibilityState(const UIAccessibilityState& state) {
@@ -68,8 +62,14 @@ void SurfaceScript::setAccessibilityState(const UIAccessibilityState& state) {
     callMethod(_context, _surface, "setAccessibilityState", {makeString(_context, lines)});
 }
 
-void SurfaceScript::followCaption() {
-    callMethod(_context, _surface, "followCaption", {});
+void SurfaceScript::setCaption(const UICaption& caption) {
+    const auto number = [this](double value) { return JSValueMakeNumber(_context, value); };
+    const JSValueRef text = makeString(_context, caption.text),
+                     url = makeString(_context, caption.url); // on the stack: safe from the collector
+    const CGRect& frame = caption.frame;
+    callMethod(_context, _surface, "setCaption",
+               {text, url, number(frame.origin.x), number(frame.origin.y), number(frame.size.width),
+                number(frame.size.height)});
 }
 
 void SurfaceScript::keepAlive(JSObjectRef object) {

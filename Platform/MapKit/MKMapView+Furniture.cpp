@@ -74,7 +74,8 @@ void MKMapView::layOutFurniture() {
 void MKMapView::publishCaption() {
     if (const auto window = this->window()) {
         const MKTileAttribution& attribution = _attributionView->attribution();
-        window->setCaption({attribution.text, attribution.url});
+        const CGRect& frame = _attributionView->frame();
+        window->setCaption({attribution.text, attribution.url, {convertPointToWindow(frame.origin), frame.size}});
     }
 }
 

@@ -131,11 +131,6 @@ void UIWindow::setAccessibilityHandler(std::function<void(const UIAccessibilityS
         handing(_accessibilityState);
 }
 
-void UIWindow::openURL(const std::string& url) {
-    if (const auto handler = _openURLHandler)
-        handler(url);
-}
-
 void UIWindow::sendEvent(const UIEvent& event) {
     const auto self = sharedView(); // handlers may drop the window
     std::visit(Overloaded{[this](const UITouchEvent& touch) { _gestures->handleTouch(*this, touch); },

@@ -18,10 +18,11 @@ namespace veyra {
 
 class UIGestureEnvironment;
 
-/// A line of text that belongs to what a window shows, for those who do not see it, with the address that it leads to.
+/// A line of text that a window shows, for those who do not see it, and the address that a click on it leads to.
 struct UICaption {
     std::string text; ///< "" for none
     std::string url;  ///< http or https, or ""
+    CGRect frame{};   ///< where it is painted, in the window's points
     friend bool operator==(const UICaption&, const UICaption&) = default;
 };
 
@@ -59,7 +60,7 @@ public:
     /// Views publish here what they use; see UIInputPolicy.
     void setInputPolicy(const UIInputPolicy& policy);
 
-    /// Views publish here what a host hands on to assistive technology.
+    /// Views publish here what a host hands on to assistive technology, and makes a link.
     const UICaption& caption() const { return _caption; }
     void setCaption(const UICaption& caption);
     /// `handler` is called on the main queue with each new caption, and at once when there is one already.
@@ -68,9 +69,6 @@ public:
     void setAccessibilityState(const UIAccessibilityState& state);
     /// Like the caption's.
     void setAccessibilityHandler(std::function<void(const UIAccessibilityState&)> handler);
-    /// Views ask the host to show the user what is at an address; a host without a handler does nothing.
-    void openURL(const std::string& url);
-    void setOpenURLHandler(std::function<void(const std::string&)> handler) { _openURLHandler = std::move(handler); }
 
     /// True when the next `drawFrame` has something to do.
     bool needsFrame() const;
@@ -135,7 +133,6 @@ private:
     std::function<void(const UICaption&)> _captionHandler;
     UIAccessibilityState _accessibilityState;
     std::function<void(const UIAccessibilityState&)> _accessibilityHandler;
-    std::function<void(const std::string&)> _openURLHandler;
     std::atomic<unsigned> _inputPolicy{0};
     std::unique_ptr<UIGestureEnvironment> _gestures;
 };

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Hosts/WebExtension/PixelBuffers.h"
+#include "Platform/UIKit/UIAccessibility.h"
 
 #include <JavaScriptCore/JavaScript.h>
 
@@ -33,6 +34,8 @@ public:
     void stopLocating() { call("stopLocating"); }
     /// Gives the canvas a text that assistive technology reads, a link when it leads somewhere.
     void setCaption(const UICaption& caption);
+    /// Gives the canvas elements for assistive technology: what has the focus, and what can be done.
+    void setAccessibilityState(const UIAccessibilityState& state);
     /// Keeps a script object alive as long as the map has not been stopped.
     void keepAlive(JSObjectRef object);
 

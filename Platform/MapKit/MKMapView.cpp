@@ -57,6 +57,7 @@ void MKMapView::setMapType(MKMapType mapType) {
 void MKMapView::setZoomEnabled(bool enabled) {
     _zoomEnabled = enabled;
     _pinchRecognizer->setEnabled(enabled);
+    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     for (const auto& recognizer : _zoomTapRecognizers) {
         recognizer->setEnabled(enabled);
     }
@@ -66,6 +67,7 @@ void MKMapView::setZoomEnabled(bool enabled) {
 void MKMapView::setScrollEnabled(bool enabled) {
     _scrollEnabled = enabled;
     _panRecognizer->setEnabled(enabled);
+    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     publishInputPolicy();
 }
 

@@ -44,7 +44,6 @@ public:
     /// Draws the scene, inside the context's clip.
     void draw(const UIGraphicsContext& context) const;
 
-    const MKTileSource& source() const { return *_source; }
     /// What was shown last; nothing before the first time.
     const std::optional<MKTileScene>& scene() const { return _scene; }
 

@@ -50,7 +50,8 @@ public:
     void setUserInterfaceStyle(UIUserInterfaceStyle style);
 
     /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
-    /// (scrolls), or to the views from the front down (keys).
+    /// (scrolls), or to the views from the front down (keys), or to all views (focus,
+    /// accessibility).
     void sendEvent(const UIEvent& event);
     /// Ends all touches as cancelled: the host lost the pointer.
     void cancelTouches();
@@ -64,6 +65,10 @@ public:
     void setCaption(const UICaption& caption);
     /// `handler` is called on the main queue with each new caption, and at once when there is one already.
     void setCaptionHandler(std::function<void(const UICaption&)> handler);
+    const UIAccessibilityState& accessibilityState() const { return _accessibilityState; }
+    void setAccessibilityState(const UIAccessibilityState& state);
+    /// Like the caption's.
+    void setAccessibilityHandler(std::function<void(const UIAccessibilityState&)> handler);
 
     /// True when the next `drawFrame` has something to do.
     bool needsFrame() const;
@@ -100,6 +105,7 @@ private:
     void forgetAnimation(const UIView& view);
     void requestFrame();
     void reportIdle();
+    static void tellAll(UIView& view, const std::function<void(UIView&)>& tell);
     bool offerKey(UIView& view, const UIKeyEvent& event);
     void makeStore();
     PixelRect storeRect() const { return {0, 0, _pixelWidth, _pixelHeight}; }
@@ -125,6 +131,8 @@ private:
     std::function<void()> _idleHandler;
     UICaption _caption;
     std::function<void(const UICaption&)> _captionHandler;
+    UIAccessibilityState _accessibilityState;
+    std::function<void(const UIAccessibilityState&)> _accessibilityHandler;
     std::atomic<unsigned> _inputPolicy{0};
     std::unique_ptr<UIGestureEnvironment> _gestures;
 };

@@ -19,6 +19,15 @@
 namespace veyra {
 
 class WebScriptObject;
+class WebScriptObjectValues;
+struct ScriptKeySequence;
+
+/// A function of the page's engine that reads keys; see ScriptElementReader.h. The arrays live as long as it.
+struct ScriptElementHelper {
+    JSObjectRef function = nullptr;
+    const uint8_t* kinds = nullptr;
+    const double* numbers = nullptr;
+};
 
 class ScriptContext : public std::enable_shared_from_this<ScriptContext> {
 public:
@@ -54,6 +63,14 @@ public:
     JSValueRef toScript(const id& value);
     static NSString toString(JSStringRef string);
     static JSStringRef makeString(const NSString& string);
+    /// The name of a property or method as the engine wants it; kept for good, so only for names that native code uses.
+    static JSStringRef keyString(const NSString& key);
+
+    /// Calls `visit` with an element that the caller's stack keeps alive meanwhile; what has been read of it ahead is
+    /// what its keys answer. Afterwards it is kept only if native code holds it.
+    void visitElement(JSValueRef element, WebScriptObjectValues& ahead, const std::function<void(const id&)>& visit);
+    /// The compiled reader for that sequence, or null for want of memory.
+    const ScriptElementHelper* elementHelper(const ScriptKeySequence& sequence);
 
     /// Writes an exception to the page's console as an error.
     void reportException(JSValueRef exception);
@@ -122,6 +139,7 @@ private:
     std::vector<std::shared_ptr<WebScriptObject>> _arguments;                 // of the calls that are running
     std::vector<Wrapper> _recentWrappers;                                     // value objects of the running calls
     std::vector<Wrapper> _keptWrappers; // value objects that native code holds on to, each in a slot
+    std::unordered_map<const ScriptKeySequence*, ScriptElementHelper> _elementHelpers; // their functions are kept
     std::vector<std::function<void()>> _deathHandlers;
 
     std::mutex _releasedMutex;

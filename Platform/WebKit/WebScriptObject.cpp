@@ -26,6 +26,9 @@ void WebScriptObject::report(JSValueRef exception) const {
 id WebScriptObject::valueForKey(const NSString& key) {
     if (!scriptObject())
         return id();
+    if (_ahead)
+        if (const auto value = _ahead->take(key))
+            return value->isUndefined() ? valueForUndefinedKey(key) : *value;
     const auto self = shared_from_this(); // a getter may drop what holds this object
     JSValueRef exception = nullptr;
     JSValueRef value = nullptr;
@@ -37,9 +40,7 @@ id WebScriptObject::valueForKey(const NSString& key) {
         if (kind == ScriptReadAhead::Kind::Exception)
             exception = value;
     } else {
-        JSStringRef name = ScriptContext::makeString(key);
-        value = JSObjectGetProperty(_context->_context, _object, name, &exception);
-        JSStringRelease(name);
+        value = JSObjectGetProperty(_context->_context, _object, ScriptContext::keyString(key), &exception);
     }
     if (exception) {
         report(exception);
@@ -72,10 +73,8 @@ id WebScriptObject::callWebScriptMethod(const NSString& name, const NSArray& arg
     // Settles at its end what the call wraps.
     const ScriptCall call(*_context);
 
-    JSStringRef method = ScriptContext::makeString(name);
     JSValueRef exception = nullptr;
-    const JSValueRef function = JSObjectGetProperty(context, _object, method, &exception);
-    JSStringRelease(method);
+    const JSValueRef function = JSObjectGetProperty(context, _object, ScriptContext::keyString(name), &exception);
     if (exception) {
         report(exception);
         return id();

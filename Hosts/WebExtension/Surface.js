@@ -84,6 +84,7 @@
             this.isRestoring = false;
             this.images = null;
             this.scale = 1;
+            this.clicked = () => {}; // called with the point of the canvas where the user has clicked
             this.watch = null; // the number of the geolocation watch that runs
             this.animate = () => {
                 const changes = host.animationFrame(this.handle);

@@ -49,6 +49,16 @@ std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const {
     return std::make_shared<Hold>(_context, _arrays);
 }
 
+void SurfaceScript::setCaption(const UICaption& caption) {
+    const auto number = [this](double value) { return JSValueMakeNumber(_context, value); };
+    // On the stack: safe from the collector.
+    const JSValueRef text = makeString(_context, caption.text), url = makeString(_context, caption.url);
+    const CGRect& frame = caption.frame;
+    callMethod(_context, _surface, "setCaption",
+               {text, url, number(frame.origin.x), number(frame.origin.y), number(frame.size.width),
+                number(frame.size.height)});
+}
+
 // One string: the status, then an element a line, its action's number in front of its label. Line feeds in labels have
 // become spaces.
 void SurfaceScript::setAccessibilityState(const UIAccessibilityState& state) {
@@ -60,16 +70,6 @@ void SurfaceScript::setAccessibilityState(const UIAccessibilityState& state) {
     for (const auto& element : state.elements)
         lines += "\n" + std::to_string(static_cast<int>(element.action)) + line(element.label);
     callMethod(_context, _surface, "setAccessibilityState", {makeString(_context, lines)});
-}
-
-void SurfaceScript::setCaption(const UICaption& caption) {
-    const auto number = [this](double value) { return JSValueMakeNumber(_context, value); };
-    const JSValueRef text = makeString(_context, caption.text),
-                     url = makeString(_context, caption.url); // on the stack: safe from the collector
-    const CGRect& frame = caption.frame;
-    callMethod(_context, _surface, "setCaption",
-               {text, url, number(frame.origin.x), number(frame.origin.y), number(frame.size.width),
-                number(frame.size.height)});
 }
 
 void SurfaceScript::keepAlive(JSObjectRef object) {

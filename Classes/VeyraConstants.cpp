@@ -94,6 +94,16 @@ const NSString& kOstrelOverlayLatitude = *new NSString("latitude");
 const NSString& kOstrelOverlayLongitude = *new NSString("longitude");
 const NSString& kOstrelOverlayRadius = *new NSString("radius");
 const NSString& kOstrelOverlayCoordinates = *new NSString("coordinates");
+const NSString& kOstrelOverlayStrokeColor = *new NSString("strokeColor");
+const NSString& kOstrelOverlayStrokeOpacity = *new NSString("strokeOpacity");
+const NSString& kOstrelOverlayFillColor = *new NSString("fillColor");
+const NSString& kOstrelOverlayFillOpacity = *new NSString("fillOpacity");
+const NSString& kOstrelOverlayLineWidth = *new NSString("lineWidth");
+const NSString& kOstrelOverlayLineJoin = *new NSString("lineJoin");
+const NSString& kOstrelOverlayLineCap = *new NSString("lineCap");
+const NSString& kOstrelOverlayMiterLimit = *new NSString("miterLimit");
+const NSString& kOstrelOverlayLineDashPhase = *new NSString("lineDashPhase");
+const NSString& kOstrelOverlayLineDashPattern = *new NSString("lineDashPattern");
 
 const NSString& kVeyraUserLocationAnnotationIdentifier = *new NSString("mapUserLocationAnnotationIdentifier");
 

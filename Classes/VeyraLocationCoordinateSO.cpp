@@ -17,7 +17,10 @@ Class VeyraLocationCoordinateSO::classObject() {
                                            bindMethod<&VeyraLocationCoordinateSO::longitude>("longitude"),
                                            bindMethod<&VeyraLocationCoordinateSO::setLongitude>("setLongitude:"),
                                        },
-                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript});
+                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript,
+                                                    .makeValueObject = []() -> std::shared_ptr<NSObject> {
+                                                        return std::make_shared<VeyraLocationCoordinateSO>();
+                                                    }});
     return cls;
 }
 

@@ -13,7 +13,10 @@ Class VeyraPointSO::classObject() {
                                            bindMethod<&VeyraPointSO::y>("y"),
                                            bindMethod<&VeyraPointSO::setY>("setY:"),
                                        },
-                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript});
+                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript,
+                                                    .makeValueObject = []() -> std::shared_ptr<NSObject> {
+                                                        return std::make_shared<VeyraPointSO>();
+                                                    }});
     return cls;
 }
 

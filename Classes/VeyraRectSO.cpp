@@ -6,18 +6,20 @@
 namespace veyra {
 
 Class VeyraRectSO::classObject() {
-    static Class cls = new ClassObject("VeyraRectSO", NSObject::classObject(),
-                                       {
-                                           bindMethod<&VeyraRectSO::x>("x"),
-                                           bindMethod<&VeyraRectSO::setX>("setX:"),
-                                           bindMethod<&VeyraRectSO::y>("y"),
-                                           bindMethod<&VeyraRectSO::setY>("setY:"),
-                                           bindMethod<&VeyraRectSO::width>("width"),
-                                           bindMethod<&VeyraRectSO::setWidth>("setWidth:"),
-                                           bindMethod<&VeyraRectSO::height>("height"),
-                                           bindMethod<&VeyraRectSO::setHeight>("setHeight:"),
-                                       },
-                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript});
+    static Class cls = new ClassObject(
+        "VeyraRectSO", NSObject::classObject(),
+        {
+            bindMethod<&VeyraRectSO::x>("x"),
+            bindMethod<&VeyraRectSO::setX>("setX:"),
+            bindMethod<&VeyraRectSO::y>("y"),
+            bindMethod<&VeyraRectSO::setY>("setY:"),
+            bindMethod<&VeyraRectSO::width>("width"),
+            bindMethod<&VeyraRectSO::setWidth>("setWidth:"),
+            bindMethod<&VeyraRectSO::height>("height"),
+            bindMethod<&VeyraRectSO::setHeight>("setHeight:"),
+        },
+        WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript,
+                     .makeValueObject = []() -> std::shared_ptr<NSObject> { return std::make_shared<VeyraRectSO>(); }});
     return cls;
 }
 

@@ -22,7 +22,10 @@ Class VeyraRegionSO::classObject() {
                                            bindMethod<&VeyraRegionSO::longitudeDelta>("longitudeDelta"),
                                            bindMethod<&VeyraRegionSO::setLongitudeDelta>("setLongitudeDelta:"),
                                        },
-                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript});
+                                       WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript,
+                                                    .makeValueObject = []() -> std::shared_ptr<NSObject> {
+                                                        return std::make_shared<VeyraRegionSO>();
+                                                    }});
     return cls;
 }
 

@@ -20,7 +20,10 @@ Class VeyraUserLocationSO::classObject() {
                             bindMethod<&VeyraUserLocationSO::verticalAccuracy>("verticalAccuracy"),
                             bindMethod<&VeyraUserLocationSO::setVerticalAccuracy>("setVerticalAccuracy:"),
                         },
-                        WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript});
+                        WebScripting{.isKeyExcludedFromWebScript = isKeyExcludedFromWebScript,
+                                     .makeValueObject = []() -> std::shared_ptr<NSObject> {
+                                         return std::make_shared<VeyraUserLocationSO>();
+                                     }});
     return cls;
 }
 

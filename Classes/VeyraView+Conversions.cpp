@@ -10,10 +10,36 @@
 
 namespace veyra {
 
+namespace {
+
+/// The argument of a conversion: its check, which reads every key, and the reads that follow.
+class ConversionArgument {
+public:
+    ConversionArgument(Class cls, id caller, std::vector<NSString> keys, const std::vector<NSString>& readsAfterwards)
+        : _cls(cls), _caller(std::move(caller)), _keys(std::move(keys)), _plan(joined(_keys, readsAfterwards)) {}
+    const ScriptKeyPlan& plan() const { return _plan; }
+    bool validate(const id& argument) const { return VeyraValidateWebScriptObject(argument, _cls, _caller, _keys); }
+
+private:
+    static std::vector<NSString> joined(std::vector<NSString> first, const std::vector<NSString>& second) {
+        first.insert(first.end(), second.begin(), second.end());
+        return first;
+    }
+    const Class _cls;
+    const id _caller;
+    const std::vector<NSString> _keys;
+    const ScriptKeyPlan _plan;
+};
+
+} // namespace
+
 id VeyraView::regionThatFits(const id& region) {
-    if (!VeyraValidateWebScriptObject(
-            region, VeyraRegionSO::classObject(), callerName("regionThatFits:"),
-            {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta}))
+    static const auto& checked = *new ConversionArgument(
+        VeyraRegionSO::classObject(), callerName("regionThatFits:"),
+        {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta},
+        {kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta, kOstrelRegionLatitude, kOstrelRegionLongitude});
+    const ScriptReadAhead ahead(region, checked.plan());
+    if (!checked.validate(region))
         return id();
     MKCoordinateRegion wanted;
     wanted.span.latitudeDelta = geometryValueForKey(*region.object(), kOstrelRegionLatitudeDelta);
@@ -26,9 +52,12 @@ id VeyraView::regionThatFits(const id& region) {
 }
 
 id VeyraView::convertCoordinateToPoint(const id& coordinate) {
-    if (!VeyraValidateWebScriptObject(coordinate, VeyraLocationCoordinateSO::classObject(),
-                                      callerName("convertCoordinateToPoint:"),
-                                      {kOstrelCoordinateLatitude, kOstrelCoordinateLongitude}))
+    static const auto& checked =
+        *new ConversionArgument(VeyraLocationCoordinateSO::classObject(), callerName("convertCoordinateToPoint:"),
+                                {kOstrelCoordinateLatitude, kOstrelCoordinateLongitude},
+                                {kOstrelCoordinateLatitude, kOstrelCoordinateLongitude});
+    const ScriptReadAhead ahead(coordinate, checked.plan());
+    if (!checked.validate(coordinate))
         return id();
     CLLocationCoordinate2D place;
     place.latitude = geometryValueForKey(*coordinate.object(), kOstrelCoordinateLatitude);
@@ -42,8 +71,11 @@ id VeyraView::convertCoordinateToPoint(const id& coordinate) {
 }
 
 id VeyraView::convertPointToCoordinate(const id& point) {
-    if (!VeyraValidateWebScriptObject(point, VeyraPointSO::classObject(), callerName("convertPointToCoordinate:"),
-                                      {kOstrelPointX, kOstrelPointY}))
+    static const auto& checked =
+        *new ConversionArgument(VeyraPointSO::classObject(), callerName("convertPointToCoordinate:"),
+                                {kOstrelPointX, kOstrelPointY}, {kOstrelPointX, kOstrelPointY});
+    const ScriptReadAhead ahead(point, checked.plan());
+    if (!checked.validate(point))
         return id();
     // Points are taken in single precision. Each is narrowed where it is read: g++ 12 loses the narrowing of a pair of
     // numbers when it vectorises the arithmetic around it.
@@ -59,9 +91,12 @@ id VeyraView::convertPointToCoordinate(const id& point) {
 }
 
 id VeyraView::convertRegionToRect(const id& region) {
-    if (!VeyraValidateWebScriptObject(
-            region, VeyraRegionSO::classObject(), callerName("convertRegionToRect:"),
-            {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta}))
+    static const auto& checked = *new ConversionArgument(
+        VeyraRegionSO::classObject(), callerName("convertRegionToRect:"),
+        {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta},
+        {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta});
+    const ScriptReadAhead ahead(region, checked.plan());
+    if (!checked.validate(region))
         return id();
     MKCoordinateRegion wanted;
     wanted.center.latitude = geometryValueForKey(*region.object(), kOstrelRegionLatitude);
@@ -89,8 +124,12 @@ id VeyraView::convertRegionToRect(const id& region) {
 }
 
 id VeyraView::convertRectToRegion(const id& rect) {
-    if (!VeyraValidateWebScriptObject(rect, VeyraRectSO::classObject(), callerName("convertRectToRegion:"),
-                                      {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight}))
+    static const auto& checked =
+        *new ConversionArgument(VeyraRectSO::classObject(), callerName("convertRectToRegion:"),
+                                {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight},
+                                {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight});
+    const ScriptReadAhead ahead(rect, checked.plan());
+    if (!checked.validate(rect))
         return id();
     const double x = geometryValueForKey(*rect.object(), kOstrelRectX);
     const double y = geometryValueForKey(*rect.object(), kOstrelRectY);

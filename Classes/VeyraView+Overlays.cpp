@@ -1,85 +1,160 @@
-// The script side of overlays: what is refused is refused here, on the script's thread. The map shows no overlays yet,
-// so that its registry is empty and every identifier unknown.
+// The registry of overlays by identifier, what scripts do with it, and what the map asks and tells about overlays. The
+// registry changes at once, on the web thread; the map follows on the main queue, in the same order.
 #include "Classes/VeyraConstants.h"
+#include "Classes/VeyraOverlay.h"
 #include "Classes/VeyraView.h"
 #include "Classes/WebScriptObject+VeyraExtras.h"
-#include "Platform/Foundation/NSLog.h"
+#include "Platform/Foundation/NSException.h"
+
+#include <new>
 
 namespace veyra {
 
 namespace {
 
-// Each is true when an overlay can be made of the object; what is refused has been reported.
+using MapOverlays = std::vector<std::shared_ptr<MKOverlay>>;
 
-bool validateCircle(const id& overlay) {
-    return VeyraValidateWebScriptObject(overlay, nullptr, "Constructing circle",
-                                        {kOstrelOverlayLatitude, kOstrelOverlayLongitude, kOstrelOverlayRadius});
-}
-
-bool validatePath(const id& overlay, const char* caller) {
-    if (!VeyraValidateWebScriptObject(overlay, nullptr, caller, {kOstrelOverlayCoordinates}))
-        return false;
-    const id length = overlay.object()->valueForKey(kOstrelOverlayCoordinates).valueForKey("length");
-    if (!length.isNumber() || length.unsignedIntegerValue() % 2 == 0)
-        return true;
-    WebScriptObject::throwException(
-        NSStringWithFormat("%s, number of values in coordinates array must be even", {caller}));
-    return false;
-}
-
-bool validateOverlay(const id& overlay) {
-    if (!VeyraValidateWebScriptObject(overlay, nullptr, "Creating overlay", {kOstrelOverlayType, kOstrelOverlayId}))
-        return false;
-    const id type = overlay.object()->valueForKey(kOstrelOverlayType);
-    if (type.isEqualToString("circle"))
-        return validateCircle(overlay);
-    if (type.isEqualToString("polyline"))
-        return validatePath(overlay, "Constructing polyline");
-    return type.isEqualToString("polygon") && validatePath(overlay, "Constructing polygon");
+/// The overlay of an element of a batch. What the platform raises about an element makes it a bad one: the batch goes
+/// on, and the script gets the exception when the call returns.
+std::shared_ptr<VeyraOverlay> overlayOfElement(const id& element) {
+    try {
+        return VeyraOverlayFromWebScriptObject(element);
+    } catch (const NSException& raised) {
+        WebScriptObject::throwException(raised.reason());
+    } catch (const std::bad_alloc&) {
+        WebScriptObject::throwException("Out of memory");
+    }
+    return nullptr;
 }
 
 } // namespace
 
+bool VeyraView::storeOverlay(const std::shared_ptr<VeyraOverlay>& overlay) {
+    if (overlay->identifier().isNil())
+        throw NSException(NSInvalidArgumentException, "-[NSMutableDictionary setObject:forKey:]: key cannot be nil");
+    {
+        const NSLockGuard guard(_lock);
+        if (_overlaysById.try_emplace(overlay->identifier(), overlay).second)
+            return true;
+    }
+    logVerbose("Map already has overlay with Id '%@'", overlay->identifier());
+    return false;
+}
+
+std::shared_ptr<VeyraOverlay> VeyraView::takeOverlay(const id& identifier) {
+    {
+        const NSLockGuard guard(_lock);
+        if (auto entry = _overlaysById.extract(identifier))
+            return std::move(entry.mapped());
+    }
+    logVerbose("Map does not have overlay with Id '%@'; cannot remove", identifier);
+    return nullptr;
+}
+
+id VeyraView::overlays() const {
+    NSArray identifiers;
+    const NSLockGuard guard(_lock);
+    identifiers.reserve(_overlaysById.size());
+    for (const auto& [identifier, overlay] : _overlaysById)
+        identifiers.push_back(identifier);
+    return id(std::move(identifiers));
+}
+
 void VeyraView::addOverlay(const id& overlay) {
-    validateOverlay(overlay);
+    auto made = VeyraOverlayFromWebScriptObject(overlay);
+    if (made && storeOverlay(made))
+        onMap([made = std::move(made)](MKMapView& map) { map.addOverlay(made); });
 }
 
 void VeyraView::addOverlays(const id& overlays) {
     if (!VeyraValidateWebScriptObject(overlays, nullptr, callerName("addOverlays:"), {"length"}))
         return;
-    forEachElement(overlays, validateOverlay);
+    MapOverlays accepted;
+    forEachElement(overlays, [&](const id& element) {
+        const auto made = overlayOfElement(element);
+        if (made && storeOverlay(made))
+            accepted.push_back(made);
+    });
+    onMap([accepted = std::move(accepted)](MKMapView& map) { map.addOverlays(accepted); });
 }
 
 void VeyraView::removeOverlay(const id& identifier) {
-    logVerbose("Map does not have overlay with Id '%@'; cannot remove", identifier);
+    if (auto removed = takeOverlay(identifier))
+        onMap([removed = std::move(removed)](MKMapView& map) { map.removeOverlay(removed); });
 }
 
 void VeyraView::removeOverlays(const id& identifiers) {
     if (!VeyraValidateWebScriptObject(identifiers, nullptr, callerName("removeOverlays:"), {"length"}))
         return;
-    forEachElement(identifiers, [this](const id& identifier) { removeOverlay(identifier); });
+    MapOverlays removed;
+    forEachElement(identifiers, [&](const id& identifier) {
+        if (const auto overlay = takeOverlay(identifier))
+            removed.push_back(overlay);
+    });
+    onMap([removed = std::move(removed)](MKMapView& map) { map.removeOverlays(removed); });
 }
 
 void VeyraView::insertOverlayAtIndex(const id& overlay, const id& index) {
-    if (validateOverlay(overlay))
-        index.unsignedIntegerValue(); // what is no number is refused
+    auto made = VeyraOverlayFromWebScriptObject(overlay);
+    if (!made || !storeOverlay(made))
+        return;
+    uint64_t place = 0;
+    try {
+        place = index.unsignedIntegerValue();
+    } catch (const NSException&) { // a refused call changes nothing
+        takeOverlay(made->identifier());
+        throw;
+    }
+    onMap([made = std::move(made), place](MKMapView& map) { map.insertOverlayAtIndex(made, place); });
 }
 
 void VeyraView::exchangeOverlayAtIndexWithOverlayAtIndex(const id& first, const id& second) {
-    first.unsignedIntegerValue();
-    second.unsignedIntegerValue();
+    onMap([from = first.unsignedIntegerValue(), to = second.unsignedIntegerValue()](MKMapView& map) {
+        map.exchangeOverlayAtIndexWithOverlayAtIndex(from, to);
+    });
 }
 
-void VeyraView::insertOverlayAboveOverlay(const id& overlay, const id&) {
-    validateOverlay(overlay);
+void VeyraView::insertOverlayAboveOverlay(const id& overlay, const id& sibling) {
+    insertOverlayNextTo(overlay, sibling, &MKMapView::insertOverlayAboveOverlay);
 }
 
-void VeyraView::insertOverlayBelowOverlay(const id& overlay, const id&) {
-    validateOverlay(overlay);
+void VeyraView::insertOverlayBelowOverlay(const id& overlay, const id& sibling) {
+    insertOverlayNextTo(overlay, sibling, &MKMapView::insertOverlayBelowOverlay);
 }
 
-id VeyraView::overlays() const {
-    return id(NSArray());
+// An overlay whose sibling is unknown stays in the registry all the same, though it is on no map: pages rely on that.
+void VeyraView::insertOverlayNextTo(const id& overlay, const id& sibling, OverlayInsertion insertion) {
+    auto made = VeyraOverlayFromWebScriptObject(overlay);
+    if (!made)
+        return;
+    std::shared_ptr<VeyraOverlay> neighbour;
+    {
+        const NSLockGuard guard(_lock);
+        const auto found = _overlaysById.find(sibling);
+        if (found != _overlaysById.end())
+            neighbour = found->second;
+    }
+    if (!storeOverlay(made))
+        return;
+    if (neighbour)
+        onMap([made = std::move(made), neighbour = std::move(neighbour), insertion](MKMapView& map) {
+            (map.*insertion)(made, neighbour);
+        });
+    else
+        logVerbose("Map does not have overlay with Id '%@'", sibling);
+}
+
+std::shared_ptr<MKOverlayView> VeyraView::mapViewViewForOverlay(MKMapView&, const std::shared_ptr<MKOverlay>& overlay) {
+    const auto ours = std::dynamic_pointer_cast<VeyraOverlay>(overlay);
+    return ours ? ours->overlayView() : nullptr;
+}
+
+void VeyraView::mapViewDidAddOverlayViews(MKMapView&, const std::vector<std::shared_ptr<MKOverlayView>>& views) {
+    NSArray identifiers;
+    for (const auto& view : views)
+        if (const auto ours = std::dynamic_pointer_cast<VeyraOverlay>(view->overlay()))
+            identifiers.push_back(ours->identifier());
+    sendEvent(kVeyraDidAddOverlays, std::move(identifiers));
 }
 
 } // namespace veyra

@@ -21,6 +21,7 @@
 namespace veyra {
 
 class VeyraAnnotationSO;
+class VeyraOverlay;
 class VeyraRegionSO;
 class VeyraLocationCoordinateSO;
 class VeyraPointSO;
@@ -200,6 +201,11 @@ public:
     void mapViewDidStopLocatingUser(MKMapView& mapView) override;
     void mapViewDidUpdateUserLocation(MKMapView& mapView, const std::shared_ptr<MKUserLocation>& userLocation) override;
     void mapViewDidFailToLocateUserWithError(MKMapView& mapView, const std::shared_ptr<NSError>& error) override;
+    /// A view for the overlays that scripts have added; none for any other.
+    std::shared_ptr<MKOverlayView> mapViewViewForOverlay(MKMapView& mapView,
+                                                         const std::shared_ptr<MKOverlay>& overlay) override;
+    void mapViewDidAddOverlayViews(MKMapView& mapView,
+                                   const std::vector<std::shared_ptr<MKOverlayView>>& views) override;
 
     // For tests and hosts on the main queue.
 
@@ -254,6 +260,16 @@ private:
     void onMap(std::function<void(MKMapView&)> change);
     void logVerbose(const char* format, const id& argument) const;
 
+    // Overlays: VeyraView+Overlays.cpp
+    using OverlayInsertion = void (MKMapView::*)(const std::shared_ptr<MKOverlay>& overlay,
+                                                 const std::shared_ptr<MKOverlay>& sibling);
+    /// Puts a new overlay into the registry; false, and a log line, when its identifier is taken. Throws NSException
+    /// when it has none.
+    bool storeOverlay(const std::shared_ptr<VeyraOverlay>& overlay);
+    /// Takes an overlay out of the registry; null, and a log line, when there is none.
+    std::shared_ptr<VeyraOverlay> takeOverlay(const id& identifier);
+    void insertOverlayNextTo(const id& overlay, const id& sibling, OverlayInsertion insertion);
+
     // Set once at creation.
     std::shared_ptr<MKMapView> _mapView;
     std::shared_ptr<UIButton> _infoLightButton;
@@ -287,6 +303,7 @@ private:
     bool _longPressDropsPin VEYRA_GUARDED_BY(_lock) = false;
     id _droppedPinTitle VEYRA_GUARDED_BY(_lock);
     id _droppedPinIdentifier VEYRA_GUARDED_BY(_lock);
+    std::unordered_map<id, std::shared_ptr<VeyraOverlay>> _overlaysById VEYRA_GUARDED_BY(_lock);
     std::unordered_map<id, std::shared_ptr<VeyraAnnotationSO>> _mapAnnotations VEYRA_GUARDED_BY(_lock);
     NSArray _selectedMapAnnotations VEYRA_GUARDED_BY(_lock);
 };

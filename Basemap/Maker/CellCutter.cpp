@@ -1,5 +1,7 @@
 #include "Basemap/Maker/CellCutter.h"
 
+#include "Basemap/Maker/Simplifier.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -49,9 +51,9 @@ void CellCutter::addLakes(const std::vector<PositionRing>& rings) {
     addRings(rings, &CutCell::lakes);
 }
 
-void CellCutter::addBorders(const std::vector<PositionLine>& lines) {
+void CellCutter::addLines(BasemapLayer layer, const std::vector<PositionLine>& lines, std::int32_t tolerance) {
     for (const PositionLine& line : lines) {
-        addLine(_grid.splitAtCells(_grid.project(line), false));
+        addLine(layer, _grid.splitAtCells(simplified(_grid.project(line), tolerance), false));
     }
 }
 
@@ -89,12 +91,12 @@ void CellCutter::addRing(const GridLine& ring, Rings layer) {
     }
 }
 
-void CellCutter::addLine(const GridLine& line) {
+void CellCutter::addLine(BasemapLayer layer, const GridLine& line) {
     GridLine piece;
     std::pair<std::int32_t, std::int32_t> place;
     const auto finishPiece = [&] {
         if (piece.size() > 1) {
-            cell(place.first, place.second).borders.push_back(piece);
+            cell(place.first, place.second).lines[static_cast<std::size_t>(layer)].push_back(piece);
         }
         piece.clear();
     };

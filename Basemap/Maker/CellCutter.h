@@ -5,6 +5,9 @@
 #include "Basemap/Maker/Grid.h"
 #include "Basemap/Maker/RingClipper.h"
 
+#include "Platform/MapKit/Basemap/BasemapCell.h"
+
+#include <array>
 #include <vector>
 
 namespace veyra::basemapMaker {
@@ -14,7 +17,7 @@ struct CutCell {
     bool isAllLand = false; // then there are no land rings
     std::vector<GridLine> land;
     std::vector<GridLine> lakes;
-    std::vector<GridLine> borders;
+    std::array<std::vector<GridLine>, basemapLayerCount> lines; // by layer; empty for layers of areas
 };
 
 class CellCutter {
@@ -23,7 +26,9 @@ public:
 
     void addLand(const std::vector<PositionRing>& rings);
     void addLakes(const std::vector<PositionRing>& rings);
-    void addBorders(const std::vector<PositionLine>& lines);
+    // Projects lines and leaves out vertices that lie less than `tolerance` grid steps off the line without them. Where
+    // a line ends or is cut stays where it is.
+    void addLines(BasemapLayer layer, const std::vector<PositionLine>& lines, std::int32_t tolerance);
 
     // Row by row from the north-west. Hands the cells over: nothing can be added afterwards.
     std::vector<CutCell> finish();
@@ -39,7 +44,7 @@ private:
 
     void addRings(const std::vector<PositionRing>& rings, Rings layer);
     void addRing(const GridLine& ring, Rings layer);
-    void addLine(const GridLine& line);
+    void addLine(BasemapLayer layer, const GridLine& line);
 
     // Rings that go once round the whole cell say that it is covered, or not; one rectangle, or nothing, says the same.
     static void mergeCoveringRings(std::vector<GridLine>& rings, const GridRectangle& area);

@@ -1,14 +1,10 @@
 #include "Basemap/Maker/FileWriter.h"
 
+#include "Basemap/Maker/Bytes.h"
 #include "Platform/MapKit/Basemap/BasemapCell.h"
 #include "Platform/MapKit/Basemap/BasemapFormat.h"
 
-#include <zlib.h>
-
-#include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <stdexcept>
 #include <utility>
 
 namespace veyra::basemapMaker {
@@ -16,25 +12,6 @@ namespace veyra::basemapMaker {
 namespace {
 
 using namespace basemapFormat;
-using Bytes = std::vector<unsigned char>;
-
-void appendLittleEndian(Bytes& out, std::uint32_t value, int byteCount) {
-    for (int i = 0; i < byteCount; ++i) {
-        out.push_back(static_cast<unsigned char>(value >> (8 * i)));
-    }
-}
-
-void appendVarint(Bytes& out, std::size_t value) {
-    for (; value >= 0x80; value >>= 7) {
-        out.push_back(static_cast<unsigned char>(value | 0x80));
-    }
-    out.push_back(static_cast<unsigned char>(value));
-}
-
-void appendDelta(Bytes& out, std::int32_t delta) {
-    const auto bits = static_cast<std::uint32_t>(delta);
-    appendVarint(out, (bits << 1) ^ (0u - (bits >> 31)));
-}
 
 void appendSection(Bytes& out, BasemapLayer layer, const std::vector<GridLine>& parts, GridPoint corner) {
     if (parts.empty()) {
@@ -56,16 +33,6 @@ void appendSection(Bytes& out, BasemapLayer layer, const std::vector<GridLine>& 
     out.insert(out.end(), section.begin(), section.end());
 }
 
-Bytes packed(const Bytes& bytes) {
-    uLongf length = compressBound(bytes.size());
-    Bytes out(length);
-    if (compress2(out.data(), &length, bytes.data(), bytes.size(), Z_BEST_COMPRESSION) != Z_OK) {
-        throw std::runtime_error("zlib cannot pack a cell");
-    }
-    out.resize(length);
-    return out;
-}
-
 } // namespace
 
 FileWriter::FileWriter(std::string attribution) : _attribution(std::move(attribution)) {}
@@ -80,7 +47,9 @@ void FileWriter::addLevel(const Grid& grid, double minimumZoom, const std::vecto
         Bytes bytes;
         appendSection(bytes, BasemapLayer::Land, cell.land, corner);
         appendSection(bytes, BasemapLayer::Lakes, cell.lakes, corner);
-        appendSection(bytes, BasemapLayer::Borders, cell.borders, corner);
+        for (std::size_t layer = 0; layer < cell.lines.size(); ++layer) {
+            appendSection(bytes, static_cast<BasemapLayer>(layer), cell.lines[layer], corner);
+        }
         level.cells.push_back(
             {bytes.empty() ? Bytes() : packed(bytes), static_cast<std::uint32_t>(bytes.size()), cell.isAllLand});
     }
@@ -123,17 +92,9 @@ void FileWriter::write(const std::string& path) const {
     covered.insert(covered.end(), records.begin(), records.end());
     covered.insert(covered.end(), index.begin(), index.end());
 
-    Bytes out(magic.begin(), magic.end());
-    appendLittleEndian(out, static_cast<std::uint32_t>(crc32_z(0, covered.data(), covered.size())), 4);
-    out.insert(out.end(), covered.begin(), covered.end());
+    Bytes out = withChecksum({magic.begin(), magic.end()}, covered);
     out.insert(out.end(), data.begin(), data.end());
-
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(out.data()), static_cast<std::streamsize>(out.size()));
-    file.close();
-    if (!file) {
-        throw std::runtime_error(path + ": cannot be written");
-    }
+    writeFile(path, out);
 }
 
 } // namespace veyra::basemapMaker

@@ -41,9 +41,8 @@ void appendRings(const SHPObject& object, std::vector<PositionRing>& rings) {
     }
 }
 
-} // namespace
-
-std::vector<PositionRing> readPolygonShapefile(const std::string& path) {
+// Calls `action` with each shape of a file whose shapes are of that type.
+void forEachShape(const std::string& path, int expectedType, const char* kind, const auto& action) {
     const std::unique_ptr<SHPInfo, CloseShapefile> file(SHPOpen(path.c_str(), "rb"));
     if (!file) {
         throw std::runtime_error(path + ": cannot be opened as a shapefile");
@@ -51,18 +50,45 @@ std::vector<PositionRing> readPolygonShapefile(const std::string& path) {
     int count = 0;
     int type = 0;
     SHPGetInfo(file.get(), &count, &type, nullptr, nullptr);
-    if (type != SHPT_POLYGON) {
-        throw std::runtime_error(path + ": holds no polygons");
+    if (type != expectedType) {
+        throw std::runtime_error(path + ": holds no " + kind);
     }
-    std::vector<PositionRing> rings;
     for (int i = 0; i < count; ++i) {
         const std::unique_ptr<SHPObject, DestroyObject> object(SHPReadObject(file.get(), i));
         if (!object) {
             throw std::runtime_error(path + ": shape " + std::to_string(i) + " cannot be read");
         }
-        appendRings(*object, rings);
+        action(*object);
     }
+}
+
+} // namespace
+
+std::vector<PositionRing> readPolygonShapefile(const std::string& path) {
+    std::vector<PositionRing> rings;
+    forEachShape(path, SHPT_POLYGON, "polygons", [&](const SHPObject& object) { appendRings(object, rings); });
     return rings;
+}
+
+std::vector<std::vector<PositionLine>> readLineShapefile(const std::string& path) {
+    std::vector<std::vector<PositionLine>> shapes;
+    forEachShape(path, SHPT_ARC, "lines", [&](const SHPObject& object) {
+        std::vector<PositionRing> parts;
+        appendRings(object, parts);
+        shapes.emplace_back();
+        for (PositionRing& part : parts) {
+            shapes.back().push_back(std::move(part.positions));
+        }
+    });
+    return shapes;
+}
+
+std::vector<Position> readPointShapefile(const std::string& path) {
+    std::vector<Position> places;
+    forEachShape(path, SHPT_POINT, "points", [&](const SHPObject& object) {
+        places.push_back({object.padfX[0], object.padfY[0]});
+    });
+    return places;
 }
 
 } // namespace veyra::basemapMaker

@@ -53,32 +53,59 @@ const nlohmann::json& TopologyReader::geometries(const std::string& object) cons
     return _topology.at("objects").at(object).at("geometries");
 }
 
-std::vector<PositionLine> TopologyReader::sharedArcs(const std::string& object,
-                                                     const std::vector<std::string>& ignored) const {
-    std::vector<std::set<std::size_t>> users(_arcs.size());
+std::vector<SharedArc> TopologyReader::sharedArcs(const std::string& object,
+                                                  const std::vector<std::string>& ignored) const {
+    std::vector<std::set<std::string>> users(_arcs.size());
     std::vector<bool> isIgnored(_arcs.size());
-    std::size_t country = 0;
     for (const nlohmann::json& geometry : geometries(object)) {
-        ++country;
         const std::string name = geometry.at("properties").at("name");
         const bool ignore = std::find(ignored.begin(), ignored.end(), name) != ignored.end();
         forEachPolygon(geometry, [&](const nlohmann::json& polygon) {
             for (const nlohmann::json& ring : polygon) {
                 for (const nlohmann::json& element : ring) {
                     const std::size_t arc = arcIndex(element);
-                    users.at(arc).insert(country);
+                    users.at(arc).insert(name);
                     isIgnored[arc] = isIgnored[arc] || ignore;
                 }
             }
         });
     }
-    std::vector<PositionLine> shared;
+    std::vector<SharedArc> shared;
     for (std::size_t i = 0; i < _arcs.size(); ++i) {
         if (users[i].size() > 1 && !isIgnored[i]) {
-            shared.push_back(_arcs[i]);
+            shared.push_back({_arcs[i], {users[i].begin(), users[i].end()}});
         }
     }
     return shared;
+}
+
+PositionLine TopologyReader::ring(const nlohmann::json& arcs) const {
+    PositionLine line;
+    for (const nlohmann::json& element : arcs) {
+        const int number = element;
+        PositionLine arc = _arcs.at(arcIndex(number));
+        if (number < 0) {
+            std::reverse(arc.begin(), arc.end());
+        }
+        // An arc begins where the one before it ends.
+        line.insert(line.end(), arc.begin() + (line.empty() ? 0 : 1), arc.end());
+    }
+    return line;
+}
+
+std::vector<NamedShape> TopologyReader::shapes(const std::string& object) const {
+    std::vector<NamedShape> found;
+    for (const nlohmann::json& geometry : geometries(object)) {
+        NamedShape shape{geometry.at("properties").at("name"), {}};
+        forEachPolygon(geometry, [&](const nlohmann::json& polygon) {
+            shape.polygons.emplace_back();
+            for (const nlohmann::json& arcs : polygon) {
+                shape.polygons.back().push_back(ring(arcs));
+            }
+        });
+        found.push_back(std::move(shape));
+    }
+    return found;
 }
 
 } // namespace veyra::basemapMaker

@@ -35,21 +35,27 @@ const MKCoordinateRegion world{{20, 0}, {100, 360}};
 const MKCoordinateRegion europe{{46.5, 9}, {1, 90}};
 const MKCoordinateRegion alps{{46.5, 9}, {1, 5.6}};
 
-void firstFrame(benchmark::State& state, const MKCoordinateRegion& region) {
+void firstFrame(benchmark::State& state, const MKCoordinateRegion& region, MKMapType mapType) {
     const double scale = static_cast<double>(state.range(0));
     for (auto _ : state) {
         state.PauseTiming();
         MKTileLoader::shared().emptyCache();
         state.ResumeTiming();
         Scene scene(scale);
+        scene.map->setMapType(mapType);
         scene.map->setRegion(region);
         scene.window->setSize({1024, 768}, scale);
         scene.settle();
     }
 }
-BENCHMARK_CAPTURE(firstFrame, world, world)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(firstFrame, europe, europe)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(firstFrame, alps, alps)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+#define FIRST_FRAME(name, region, mapType)                                                                             \
+    BENCHMARK_CAPTURE(firstFrame, name, region, mapType)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime()
+FIRST_FRAME(world, world, MKMapTypeStandard);
+FIRST_FRAME(europe, europe, MKMapTypeStandard);
+FIRST_FRAME(alps, alps, MKMapTypeStandard);
+FIRST_FRAME(worldHybrid, world, MKMapTypeHybrid);
+FIRST_FRAME(europeHybrid, europe, MKMapTypeHybrid);
+FIRST_FRAME(alpsHybrid, alps, MKMapTypeHybrid);
 
 // A finger that moves to and fro by 8 points a frame over tiles that are held.
 void panFrame(benchmark::State& state) {

@@ -1,6 +1,7 @@
 // Measures the map in a page: first frame, panning and zooming on the screen, idle cost, reads through the bridge,
 // pages that were left. Prints one line a figure. Starts a virtual display for itself.
 #include "Benchmarks/Pages/PageHost.h"
+#include "Benchmarks/Pages/PageInput.h"
 #include "Benchmarks/Pages/ScreenFrames.h"
 
 #include <algorithm>
@@ -74,14 +75,14 @@ void measureFirstFrame(PageHost& host) {
     figure("insertion to first complete frame, worst of 12", *std::max_element(times.begin(), times.end()), "ms");
 }
 
-void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::string& script) {
+void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::function<void()>& move) {
     host.wait(0.5);
     const int process = host.webProcess();
     const auto before = host.statistics();
     const double total = processSeconds(process), ours = threadSeconds(process, "veyra-main"),
                  workers = threadSeconds(process, "veyra-tiles");
     screen.start(100, 100, 800, 500);
-    host.run(script);
+    move();
     const auto gaps = screen.stop();
     const auto after = host.statistics();
     const double frames = static_cast<double>(after.at("frames-put") - before.at("frames-put"));
@@ -100,6 +101,55 @@ void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name
     figure(name + ": tile workers, a frame", 1000 * (threadSeconds(process, "veyra-tiles") - workers) / frames,
            "ms cpu");
     figure(name + ": whole web process, a frame", 1000 * (processSeconds(process) - total) / frames, "ms cpu");
+}
+
+void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::string& script) {
+    measureMotion(host, screen, name, [&] { host.run(script); });
+}
+
+void measureGestures(PageHost& host, ScreenFrames& screen) {
+    PageInput hand(host.view());
+    measureMotion(host, screen, "drag with the mouse, 3 s", [&] { hand.drag(3); });
+    measureMotion(host, screen, "wheel, 3 s", [&] { hand.turnWheel(3); });
+    measureMotion(host, screen, "flights to far places", "await fly()");
+}
+
+void measureConversions(PageHost& host) {
+    const double nanoseconds = std::atof(host.run("return await conversions()").c_str());
+    figure("convertCoordinateToPoint, calls a second", 1e3 / nanoseconds, "million");
+    const auto memory = [&] { return std::atof(host.run("return await conversions(10)").c_str()); };
+    const double before = residentMegabytes(host.webProcess());
+    for (int i = 0; i < 10; ++i)
+        host.run("await conversions(5)");
+    memory();
+    host.collectGarbage();
+    figure("memory after 10 million more", residentMegabytes(host.webProcess()) - before, "MB more");
+}
+
+void addAndMove(PageHost& host, ScreenFrames& screen, const std::string& what, const std::string& add) {
+    std::vector<double> times;
+    for (int i = 0; i < 5; ++i)
+        times.push_back(std::atof(host.run("return await timed(() => { " + add + " })").c_str()));
+    figure("add " + what + " until drawn, median of 5", median(times), "ms");
+    measureMotion(host, screen, "pan " + what, "await pan(300, 48, 10, 3)");
+    measureMotion(host, screen, "zoom " + what, "await zoom(300, 48, 10)");
+    host.run("clear()");
+}
+
+void measureContent(PageHost& host, ScreenFrames& screen) {
+    addAndMove(host, screen, "10,000 pins", "map.addAnnotations(pins(10000))");
+    host.run("await timed(() => { for (const pin of pins(10000)) map.addAnnotation(pin); })");
+    figure(
+        "add 10,000 pins one at a time until drawn",
+        std::atof(host.run("clear(); return await timed(() => { for (const pin of pins(10000)) map.addAnnotation(pin); "
+                           "})")
+                      .c_str()),
+        "ms");
+    host.run("clear()");
+    addAndMove(host, screen, "100,000 pins", "map.addAnnotations(pins(100000))");
+    addAndMove(host, screen, "a line of 200,000 vertices", "map.addOverlay(line(200000))");
+    addAndMove(host, screen, "a line of 1,000,000 vertices", "map.addOverlay(line(1000000))");
+    addAndMove(host, screen, "2,000 polygons of 24 vertices", "map.addOverlays(polygons(2000))");
 }
 
 void measureIdle(PageHost& host, const char* name) {
@@ -168,6 +218,9 @@ int main(int argc, char** argv) {
         measureMotion(host, screen, "pan" + way, "await pan(600, 48, 10, 3)");
         measureMotion(host, screen, "zoom" + way, "await zoom(600, 48, 10)");
         if (!composited) {
+            measureGestures(host, screen);
+            measureContent(host, screen);
+            measureConversions(host);
             measureIdle(host, "idle, one map");
             measureReads(host);
             measureLeftPages(host, page);

@@ -202,6 +202,13 @@ double threadSeconds(int process, const std::string& name) {
     return seconds;
 }
 
+double residentMegabytes(int process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+    double total = 0, resident = 0;
+    file >> total >> resident;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
 double median(std::vector<double> values) {
     if (values.empty())
         return 0;

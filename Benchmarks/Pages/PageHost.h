@@ -48,6 +48,9 @@ private:
 double processSeconds(int process);
 double threadSeconds(int process, const std::string& name);
 
+/// Memory of a process, in megabytes.
+double residentMegabytes(int process);
+
 /// The middle value; 0 for none.
 double median(std::vector<double> values);
 

@@ -29,6 +29,9 @@ void configureCreatedViews(const HostConfiguration& configuration) {
             view->setScreenScale(notification.userInfo->objectForKey(VeyraScreenScaleKey).doubleValue());
             view->setClientAllowsFileURLLoading(isFileURL(notification.userInfo->objectForKey(WebPlugInBaseURLKey)));
             view->setVerboseDebugLoggingEnabled(configuration.verboseDebugLogging);
+            view->mapView()->setShowsScale(true);
+            if (configuration.tileSource)
+                view->mapView()->setTileSource(configuration.tileSource);
         });
 }
 

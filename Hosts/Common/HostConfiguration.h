@@ -5,11 +5,14 @@
 
 namespace veyra {
 
+class MKTileSource;
+
 /// The plug-in argument that carries the screen's scale (number: device pixels a point) from the host to its observer.
 inline constexpr const char* VeyraScreenScaleKey = "VeyraScreenScaleKey";
 
 struct HostConfiguration {
     bool verboseDebugLogging = false;
+    std::shared_ptr<const MKTileSource> tileSource{}; ///< null: the built-in world
 };
 
 /// Observes creations for the rest of the process. Every view gets the process's HostViewDelegate; the screen's scale

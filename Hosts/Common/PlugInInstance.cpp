@@ -49,6 +49,8 @@ void PlugInInstance::stop() {
     dispatch_async(dispatch_get_main_queue(), [view = std::move(_view), window = _window] {
         window->setFrameRequestHandler(nullptr);
         window->setIdleHandler(nullptr);
+        window->setCaptionHandler(nullptr);
+        window->setOpenURLHandler(nullptr);
         view->webPlugInDestroy();
         view->removeFromSuperview();
     });

@@ -1,5 +1,7 @@
 #include "Hosts/Veyra/CommandLine.h"
 
+#include "Hosts/Veyra/TileOptions.h"
+
 #include <CLI/CLI.hpp>
 
 #include <charconv>
@@ -159,6 +161,7 @@ std::variant<CommandLine, ExitStatus> readCommandLine(int argc, char** argv) {
     CLI::App app("Native interactive maps in web pages.", "veyra");
     app.set_version_flag("--version", "veyra " VEYRA_VERSION);
     app.add_flag("--verbose", line.verbose, "log what a map quietly ignores");
+    TileOptions tiles(app);
     app.require_subcommand(1);
     app.fallthrough();
     app.get_formatter()->column_width(34);
@@ -167,6 +170,7 @@ std::variant<CommandLine, ExitStatus> readCommandLine(int argc, char** argv) {
     addScript(app, line);
     try {
         app.parse(argc, argv);
+        line.tileSources = tiles.setting();
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::BadArguments;
     }

@@ -1,6 +1,7 @@
 #include "Hosts/Veyra/ScriptCommand.h"
 
 #include "Hosts/Common/HostConfiguration.h"
+#include "Hosts/Common/TileSources.h"
 #include "Hosts/Veyra/ScriptPage.h"
 #include "Platform/WebKit/WebThread.h"
 
@@ -71,7 +72,7 @@ Outcome runScript(const CommandLine& line) {
     if (!readFile(line.input, source, outcome))
         return outcome;
     setMainQueue(new DispatchQueue(g_main_context_default(), "main"));
-    configureCreatedViews({.verboseDebugLogging = line.verbose});
+    configureCreatedViews({.verboseDebugLogging = line.verbose, .tileSource = tileSourceOfEnvironment()});
     GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
     if (line.timeout)
         g_timeout_add(static_cast<guint>(std::ceil(*line.timeout * 1000)), endProcess, const_cast<CommandLine*>(&line));

@@ -59,6 +59,20 @@ void FramePresenter::start() {
                     self->_settled();
             });
         });
+        window->setCaptionHandler([weak](const UICaption& caption) {
+            webThread().async([weak, caption] {
+                if (const auto self = weak.lock()) {
+                    self->_newCaption = caption;
+                    self->advance();
+                }
+            });
+        });
+        window->setOpenURLHandler([weak](const std::string&) {
+            webThread().async([weak] {
+                if (const auto self = weak.lock(); self && self->isShown())
+                    self->_surface.followCaption();
+            });
+        });
     });
 }
 
@@ -92,6 +106,9 @@ void FramePresenter::frameWanted() {
 
 void FramePresenter::advance() {
     if (isShown()) {
+        if (_newCaption)
+            _surface.setCaption(_newCaption->text, _newCaption->url);
+        _newCaption.reset();
         if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
             startDrawing();
         if ((_isDrawing || _isReady) && !_isFrameRequested) {

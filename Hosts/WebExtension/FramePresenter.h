@@ -8,6 +8,8 @@
 
 #include "Hosts/WebExtension/SurfaceScript.h"
 
+#include <optional>
+
 namespace veyra {
 
 class FramePresenter : public std::enable_shared_from_this<FramePresenter> {
@@ -50,6 +52,7 @@ private:
     const std::function<void()> _settled;
     SurfaceScript _surface;
     std::shared_ptr<PixelBuffers> _buffers; // main queue only
+    std::optional<UICaption> _newCaption; // that the page has not been given
     CGSize _size;
     double _scale = 1;
     bool _isVisible = false;

@@ -1,6 +1,7 @@
 #include "Hosts/WebExtension/PageFrame.h"
 
 #include "Hosts/Common/HostConfiguration.h"
+#include "Hosts/Common/TileSources.h"
 #include "Hosts/WebExtension/EmbeddedScripts.h"
 #include "Hosts/WebExtension/PageMessages.h"
 #include "Hosts/WebExtension/PageUIDelegate.h"
@@ -34,6 +35,7 @@ void prepareForMaps() {
         HostConfiguration configuration;
         const char* verbose = g_getenv("VEYRA_VERBOSE");
         configuration.verboseDebugLogging = verbose && std::string_view(verbose) == "1";
+        configuration.tileSource = tileSourceOfEnvironment();
         configureCreatedViews(configuration);
         countViews();
         return true;

@@ -20,7 +20,7 @@
                 width: auto !important; height: auto !important; overflow: hidden !important; }
         canvas { display: block; position: absolute; left: 0; top: 0; outline: none;
                  -webkit-user-select: none; user-select: none; -webkit-user-drag: none; }
-        canvas:focus-visible { outline: 2px solid Highlight; outline-offset: -2px; }`;
+        canvas:focus-visible, canvas:has(a:focus-visible) { outline: 2px solid Highlight; outline-offset: -2px; }`;
 
     const isShown = () => document.visibilityState === 'visible' && innerWidth > 0 && innerHeight > 0;
     const isEmpty = (rect) => rect === null || rect.width === 0 || rect.height === 0;
@@ -216,6 +216,23 @@
             }
             this.scale = scale;
             return this.images.map((image) => image.data);
+        }
+
+        // Called by the native side: what stands in a canvas is not seen, but read and reached by the keyboard.
+        setCaption(text, url) {
+            const caption = document.createElement(url ? 'a' : 'span');
+            caption.textContent = text;
+            if (url) {
+                caption.href = url;
+                caption.target = '_blank';
+                caption.rel = 'noopener noreferrer';
+            }
+            this.canvas.replaceChildren(caption);
+        }
+
+        // Likewise: the user has clicked where the text is painted.
+        followCaption() {
+            this.canvas.firstElementChild?.click();
         }
 
         // `changes` is the image's index, then x, y, width and height of each rectangle.

@@ -3,14 +3,18 @@
 (function (host) {
     'use strict';
 
-    // Bits of host.inputPolicy, as MapInput.cpp has them.
+    // Bits of host.inputPolicy, as UIEvent.h has them.
     const usesDrags = 1, usesScrolls = 2, usesPinches = 4, usesPanKeys = 8, usesZoomKeys = 16;
+    const usesNextKey = 32, usesPreviousKey = 64, usesActivationKeys = 128, usesEscapeKey = 256;
     // Phases and types of touches, as UIEvent.h has them.
     const began = 0, moved = 1, ended = 2, cancelled = 3;
     const direct = 0, pencil = 1, indirectPointer = 2;
 
-    const panKeys = new Set(['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown', 'Home']);
-    const zoomKeys = new Set(['+', '-', '=']);
+    const policyOfKey = new Map([
+        ...['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown', 'Home'].map((key) => [key, usesPanKeys]),
+        ...['+', '-', '='].map((key) => [key, usesZoomKeys]),
+        ['Tab', usesNextKey], ['Enter', usesActivationKeys], [' ', usesActivationKeys], ['Escape', usesEscapeKey],
+    ]);
     // Pointers and fingers number themselves apart; a view sees one space of numbers.
     const firstFinger = 1 << 16;
     // The engine follows a touch with a mouse press and release at the same place, prevented or not, and makes wheel turns
@@ -101,12 +105,14 @@
         }
 
         function onKeyDown(event) {
-            if (event.isComposing)
+            if (event.isComposing || event.target !== canvas)
                 return;
+            const used = host.inputPolicy(map.handle); // as it is before the key
             host.key(map.handle, event.key, event.shiftKey, event.ctrlKey, event.altKey, event.metaKey, age(event));
             if (event.ctrlKey || event.altKey || event.metaKey)
                 return;
-            if (panKeys.has(event.key) ? uses(usesPanKeys) : zoomKeys.has(event.key) && uses(usesZoomKeys))
+            const policy = event.key === 'Tab' && event.shiftKey ? usesPreviousKey : policyOfKey.get(event.key);
+            if (policy && used & policy)
                 event.preventDefault();
         }
 
@@ -119,5 +125,7 @@
             canvas.addEventListener(type, onTouch, { passive: false });
         canvas.addEventListener('wheel', onWheel, { passive: false });
         canvas.addEventListener('keydown', onKeyDown);
+        canvas.addEventListener('focus', () => host.focus(map.handle, true));
+        canvas.addEventListener('blur', () => host.focus(map.handle, false));
     };
 })

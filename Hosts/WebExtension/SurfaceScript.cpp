@@ -36,6 +36,21 @@ std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const {
     return std::make_shared<Hold>(_context, _arrays);
 }
 
+void SurfaceScript::setCaption(const std::string& text, const std::string& url) {
+    const auto string = [this](const std::string& value) {
+        JSStringRef characters = JSStringCreateWithUTF8CString(value.c_str());
+        const JSValueRef made = JSValueMakeString(_context, characters);
+        JSStringRelease(characters);
+        return made;
+    };
+    const JSValueRef textValue = string(text), urlValue = string(url); // on the stack: safe from the collector
+    callMethod(_context, _surface, "setCaption", {textValue, urlValue});
+}
+
+void SurfaceScript::followCaption() {
+    callMethod(_context, _surface, "followCaption", {});
+}
+
 void SurfaceScript::keepAlive(JSObjectRef object) {
     setProperty(_context, _surface, "wrapper", object);
 }

@@ -31,6 +31,10 @@ public:
     /// Begins and ends to ask the page's geolocation where the user is.
     void startLocating() { call("startLocating"); }
     void stopLocating() { call("stopLocating"); }
+    /// Gives the canvas a text, with a link when `url` is not "", that assistive technology and the keyboard reach.
+    void setCaption(const std::string& text, const std::string& url);
+    /// Opens what the caption's link leads to, if there is one, as if the user had clicked on it.
+    void followCaption();
     /// Keeps a script object alive as long as the map has not been stopped.
     void keepAlive(JSObjectRef object);
 

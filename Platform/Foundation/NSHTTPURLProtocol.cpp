@@ -5,6 +5,7 @@
 
 #include <libsoup/soup.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace veyra {
@@ -19,6 +20,20 @@ std::shared_ptr<NSHTTPURLProtocol> selfOf(gpointer data) {
 
 bool hasNoBody(unsigned status) {
     return status == SOUP_STATUS_NO_CONTENT || status == SOUP_STATUS_NOT_MODIFIED;
+}
+
+std::map<std::string, std::string> headerFields(SoupMessage* message) {
+    std::map<std::string, std::string> fields;
+    SoupMessageHeadersIter iterator;
+    soup_message_headers_iter_init(&iterator, soup_message_get_response_headers(message));
+    const char *name = nullptr, *value = nullptr;
+    while (soup_message_headers_iter_next(&iterator, &name, &value)) {
+        std::string lowered = name;
+        std::transform(lowered.begin(), lowered.end(), lowered.begin(), g_ascii_tolower);
+        std::string& field = fields[lowered]; // a field that comes several times is a list
+        field += field.empty() ? value : std::string(", ") + value;
+    }
+    return fields;
 }
 
 int64_t announcedLength(SoupMessage* message) {
@@ -60,7 +75,10 @@ void NSHTTPURLProtocol::startLoading() {
     _message = makeMessage(*request().URL());
     if (!_message)
         return failLater(NSURLErrorBadURL);
-    soup_message_headers_replace(soup_message_get_request_headers(_message), "Accept-Encoding", "identity");
+    SoupMessageHeaders* const headers = soup_message_get_request_headers(_message);
+    soup_message_headers_replace(headers, "Accept-Encoding", "identity");
+    for (const auto& [name, value] : request().allHTTPHeaderFields())
+        soup_message_headers_replace(headers, name.c_str(), value.c_str());
     // The handlers go with the message's owner.
     g_signal_connect(_message, "starting", G_CALLBACK(+[](SoupMessage*, gpointer self) {
                          static_cast<NSHTTPURLProtocol*>(self)->_connected = true;
@@ -129,7 +147,8 @@ void NSHTTPURLProtocol::gotStream(GInputStream* stream) {
     noteProgress();
     reportRedirection();
     if (const auto listening = client())
-        listening->didReceiveResponse({announcedLength(_message), static_cast<int>(soup_message_get_status(_message))});
+        listening->didReceiveResponse(
+            {announcedLength(_message), static_cast<int>(soup_message_get_status(_message)), headerFields(_message)});
     if (!hasEnded())
         read();
 }

@@ -29,7 +29,8 @@ void NSURLConnection::cancel() {
 }
 
 void NSURLConnection::wasRedirectedTo(const std::shared_ptr<const NSURL>& url) {
-    _currentRequest = NSURLRequest::requestWithURL(url, _currentRequest->timeoutInterval());
+    _currentRequest =
+        NSURLRequest::requestWithURL(url, _currentRequest->timeoutInterval(), _currentRequest->allHTTPHeaderFields());
 }
 
 void NSURLConnection::report(const std::function<void(NSURLConnectionDelegate&)>& call) {

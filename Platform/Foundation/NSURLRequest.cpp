@@ -8,8 +8,9 @@ Class NSURLRequest::classObject() {
 }
 
 std::shared_ptr<const NSURLRequest> NSURLRequest::requestWithURL(std::shared_ptr<const NSURL> url,
-                                                                 double timeoutInterval) {
-    return std::shared_ptr<const NSURLRequest>(new NSURLRequest(std::move(url), timeoutInterval));
+                                                                 double timeoutInterval, HeaderFields headerFields) {
+    return std::shared_ptr<const NSURLRequest>(
+        new NSURLRequest(std::move(url), timeoutInterval, std::move(headerFields)));
 }
 
 } // namespace veyra

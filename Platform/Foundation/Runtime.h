@@ -45,6 +45,8 @@ struct WebScripting {
     bool (*isKeyExcludedFromWebScript)(const char* key) = nullptr;
     std::optional<NSString> (*webScriptNameForSelector)(SEL selector) = nullptr;
     bool (*isSelectorExcludedFromWebScript)(SEL selector) = nullptr;
+    /// For classes of value objects, whose attributes are numbers: a new object of the class.
+    std::shared_ptr<NSObject> (*makeValueObject)() = nullptr;
 };
 
 class ClassObject {

@@ -127,6 +127,14 @@ bool id::isEqualToString(const NSString& other) const {
     raiseUnrecognizedSelector(className(*this), "isEqualToString:");
 }
 
+id id::substringWithRange(size_t location, size_t length) const {
+    if (const NSString* text = string())
+        return id(text->substringWithRange(location, length));
+    if (isNil())
+        return id();
+    raiseUnrecognizedSelector(className(*this), "substringWithRange:");
+}
+
 id id::valueForKey(const NSString& key) const {
     if (const auto receiver = object())
         return receiver->valueForKey(key);

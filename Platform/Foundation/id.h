@@ -77,6 +77,8 @@ public:
     /// True when this is a string of that text. Numbers, booleans and nil are not equal; anything else cannot be
     /// compared with a string and throws.
     bool isEqualToString(const NSString& other) const;
+    /// A part of a string, as NSString has it; nil for nil. Anything else has no such message and throws.
+    id substringWithRange(size_t location, size_t length) const;
 
     /// The value of a key: an object answers by its own rules, nil gives nil, other kinds throw NSException
     /// (NSUndefinedKeyException).

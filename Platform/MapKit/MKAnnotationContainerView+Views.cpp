@@ -65,6 +65,8 @@ void MKAnnotationContainerView::bringViewsUpToDate() {
         updateArea();
         askForWantedViews(firstAskingTime);
     }
+    checkFocus();
+    publishKeys();
 }
 
 // Takes the views away that have left the area, and notes which annotations have come into it.
@@ -157,6 +159,11 @@ void MKAnnotationContainerView::detach(uint32_t number) {
     entry.view = nullptr;
     entry.waitsToDrop = false;
     entry.lift = 0;
+    for (uint32_t* const touched : {&_hit, &_pressed}) {
+        if (*touched == number) {
+            *touched = none;
+        }
+    }
     _orderIsStale = true;
     view->_observer = nullptr;
     view->_sprite = nullptr;
@@ -206,6 +213,11 @@ void MKAnnotationContainerView::removeOne(const std::shared_ptr<MKAnnotation>& a
         detach(number);
     }
     _store.remove(number);
+    if (number == _focus.number) {
+        setFocus({});
+    } else {
+        publishKeys();
+    }
 }
 
 void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnnotation>& annotation) {
@@ -291,6 +303,7 @@ void MKAnnotationContainerView::reportAddedViews() {
     if (views.empty()) {
         return;
     }
+    publishKeys();
     const auto map = _map.lock();
     if (const auto delegate = this->delegate()) {
         runGuarded("added annotation views", [&] { delegate->mapViewDidAddAnnotationViews(*map, views); });

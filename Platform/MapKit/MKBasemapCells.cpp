@@ -1,5 +1,9 @@
 #include "Platform/MapKit/MKBasemapCells.h"
 
+#include "Platform/MapKit/MKGeometry.h"
+
+#include <cmath>
+
 namespace veyra {
 
 namespace {
@@ -18,6 +22,20 @@ std::shared_ptr<const BasemapCell> MKBasemapCells::cell(const BasemapFile& file,
     auto unpacked = std::make_shared<const BasemapCell>(file.cell(id));
     insert(key, unpacked);
     return unpacked;
+}
+
+std::vector<MKPlacedCell> MKBasemapCells::cellsIn(const BasemapFile& file, int level, double minX, double minY,
+                                                  double side) {
+    std::vector<MKPlacedCell> cells;
+    const int firstCopy = static_cast<int>(std::floor(minX / MKWorldSide));
+    const int lastCopy = static_cast<int>(std::floor((minX + side) / MKWorldSide));
+    for (int copy = firstCopy; copy <= lastCopy; ++copy) {
+        const double shift = copy * MKWorldSide;
+        for (const BasemapCellId id : file.cellsMeeting(level, minX - shift, minY, minX + side - shift, minY + side)) {
+            cells.push_back({cell(file, id), shift});
+        }
+    }
+    return cells;
 }
 
 std::shared_ptr<const BasemapCell> MKBasemapCells::find(uint64_t key) {

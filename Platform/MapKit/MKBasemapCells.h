@@ -8,8 +8,15 @@
 #include <list>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 namespace veyra {
+
+/// A cell, and by how far its copy of the world lies east of the middle one, in map points.
+struct MKPlacedCell {
+    std::shared_ptr<const BasemapCell> cell;
+    double shift;
+};
 
 class MKBasemapCells {
 public:
@@ -17,6 +24,9 @@ public:
 
     /// `file` is the same one each time. Throws BasemapError when the cell is damaged.
     std::shared_ptr<const BasemapCell> cell(const BasemapFile& file, BasemapCellId id) VEYRA_EXCLUDES(_lock);
+    /// The cells of a level that meet a square of map points, in every copy of the world that it reaches.
+    std::vector<MKPlacedCell> cellsIn(const BasemapFile& file, int level, double minX, double minY, double side)
+        VEYRA_EXCLUDES(_lock);
 
 private:
     using Order = std::list<std::shared_ptr<const BasemapCell>>; // most recently used first

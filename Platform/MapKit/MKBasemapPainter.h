@@ -8,36 +8,40 @@
 
 namespace veyra {
 
+class MKImagery;
 class MKShapeClipper;
+struct MKBasemapLine;
 struct MKBasemapStyle;
 
 class MKBasemapPainter {
 public:
     /// What is referred to outlives the painter.
-    MKBasemapPainter(const BasemapFile& file, MKBasemapCells& cells, const MKTileKey& key);
+    MKBasemapPainter(const BasemapFile& file, MKBasemapCells& cells, const MKImagery& imagery, const MKTileKey& key);
 
-    /// Throws BasemapError when a cell is damaged, std::bad_alloc when there is no memory for the picture.
+    /// Throws BasemapError when a cell or a picture is damaged, std::bad_alloc when there is no memory for the tile.
     std::shared_ptr<const MKTile> draw();
 
 private:
-    /// A cell, and by how far its copy of the world lies east of the middle one, in map points.
-    struct PlacedCell {
-        std::shared_ptr<const BasemapCell> cell;
-        double shift;
-    };
     struct Canvas;
-    void collectCells();
+    bool isPlain(MKTileColor& color) const;
     bool isAllLand() const;
-    MKShapeClipper clipperFor(const PlacedCell& placed) const;
+    bool hasOnlyLand(const BasemapCell& cell) const;
+    void drawPicture(Canvas& canvas) const;
+    void drawAreas(Canvas& canvas) const;
+    void drawBorders(Canvas& canvas) const;
+    MKShapeClipper clipperFor(const MKPlacedCell& placed) const;
     void fillAreas(Canvas& canvas, BasemapLayer layer, MKTileColor color) const;
-    void strokeLines(Canvas& canvas, BasemapLayer layer, MKTileColor color, double width) const;
+    /// Lines of several layers as one, which counts where they cross and may shine through.
+    void strokeLines(Canvas& canvas, std::initializer_list<BasemapLayer> layers, const MKBasemapLine& look) const;
 
     const BasemapFile& _file;
     MKBasemapCells& _cellCache;
+    const MKImagery& _imagery;
     const MKTileKey _key;
     const MKBasemapStyle& _style;
+    const double _zoom;  // of the world in points
     const double _bleed; // pixels around the tile whose shapes reach into it
-    std::vector<PlacedCell> _cells;
+    std::vector<MKPlacedCell> _cells;
 };
 
 } // namespace veyra

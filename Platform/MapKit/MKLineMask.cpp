@@ -76,19 +76,20 @@ void MKLineMask::addSpan(const Segment& segment, bool rows, int line, double low
     }
 }
 
-void MKLineMask::paint(cairo_surface_t* surface, MKTileColor color) {
+void MKLineMask::paint(cairo_surface_t* surface, MKTileColor color, double opacity) {
     if (_firstRow > _lastRow) {
         return;
     }
     cairo_surface_flush(surface);
     unsigned char* const pixels = cairo_image_surface_get_data(surface);
     const auto stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
+    const auto strength = static_cast<uint32_t>(std::lround(opacity * 256));
     for (int row = _firstRow; row <= _lastRow; ++row) {
         uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_side)];
         auto* const target = reinterpret_cast<uint32_t*>(pixels + static_cast<size_t>(row) * stride);
         for (int column = 0; column < _side; ++column) {
             if (coverage[column] != 0) {
-                target[column] = blended(target[column], color, coverage[column]);
+                target[column] = blended(target[column], color, coverage[column] * strength >> 8);
                 coverage[column] = 0;
             }
         }

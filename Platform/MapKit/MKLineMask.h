@@ -22,7 +22,7 @@ public:
     /// A segment with round ends; coordinates in pixels, from -1e6 to 1e6.
     void addSegment(double fromX, double fromY, double toX, double toY);
     /// Lays the colour over an RGB24 surface of that side where lines are, and empties the mask.
-    void paint(cairo_surface_t* surface, MKTileColor color);
+    void paint(cairo_surface_t* surface, MKTileColor color, double opacity = 1);
 
 private:
     struct Segment;

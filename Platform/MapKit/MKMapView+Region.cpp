@@ -81,6 +81,7 @@ void MKMapView::layOutAt(CGSize size) {
     const MKCamera camera = hasLayout() ? _camera.clamped(size) : MKCamera::fitting(_regionBeforeLayout, size);
     _viewSize = size;
     moveCamera(camera);
+    layOutFurniture();
     if (beginChange(false)) {
         endChange();
     }
@@ -162,9 +163,11 @@ bool MKMapView::stepAnimations(double timestamp) {
 void MKMapView::moveCamera(const MKCamera& camera) {
     if (_camera != camera) {
         _camera = camera;
+        layOutFurniture();
         setNeedsDisplay();
         _annotationContainer->cameraDidChange();
     }
+    askForOverlaysThatCameIntoSight();
 }
 
 bool MKMapView::canAnimate() const {

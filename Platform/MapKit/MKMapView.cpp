@@ -5,7 +5,10 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKLabelLayer.h"
 #include "Platform/MapKit/MKMotion.h"
+#include "Platform/MapKit/MKOverlayLayer.h"
+#include "Platform/MapKit/MKOverlayList.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
@@ -21,7 +24,7 @@ Class MKMapView::classObject() {
 MKMapView::MKMapView()
     : _regionBeforeLayout(MKCoordinateRegionForMapRect(MKMapRectWorld)),
       _motionTimer(std::make_unique<DispatchTimer>()), _scaleTimer(std::make_unique<DispatchTimer>()),
-      _userLocation(std::make_shared<MKUserLocation>()) {}
+      _userLocation(std::make_shared<MKUserLocation>()), _retryTimer(std::make_unique<DispatchTimer>()) {}
 
 MKMapView::~MKMapView() {
     if (_locationProvider) {
@@ -31,17 +34,22 @@ MKMapView::~MKMapView() {
 
 void MKMapView::initWithFrame(const CGRect& frame) {
     UIView::initWithFrame(frame);
+    _labels = std::make_unique<MKLabelLayer>();
     _tiles = std::make_unique<MKTileLayer>(
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
-        [this](const std::string& reason) { tileFailed(reason); });
+        [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
+    _overlays = std::make_unique<MKOverlayList>();
+    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
     addRecognizers();
+    addFurniture();
     _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
-    addSubview(_annotationContainer);
+    addSubview(_annotationContainer); // above everything else
 }
 
 void MKMapView::setMapType(MKMapType mapType) {
     if (_mapType != mapType) {
         _mapType = mapType;
+        layOutFurniture();
         setNeedsDisplay();
     }
 }
@@ -49,6 +57,7 @@ void MKMapView::setMapType(MKMapType mapType) {
 void MKMapView::setZoomEnabled(bool enabled) {
     _zoomEnabled = enabled;
     _pinchRecognizer->setEnabled(enabled);
+    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     for (const auto& recognizer : _zoomTapRecognizers) {
         recognizer->setEnabled(enabled);
     }
@@ -58,11 +67,14 @@ void MKMapView::setZoomEnabled(bool enabled) {
 void MKMapView::setScrollEnabled(bool enabled) {
     _scrollEnabled = enabled;
     _panRecognizer->setEnabled(enabled);
+    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     publishInputPolicy();
 }
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {
     _tiles->setSource(source);
+    _labelsFailed = false;
+    layOutFurniture();
     setNeedsDisplay();
 }
 

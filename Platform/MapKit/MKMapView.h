@@ -20,7 +20,13 @@ namespace veyra {
 class CLLocationProvider;
 class DispatchTimer;
 class MKAnnotationContainerView;
+class MKAttributionView;
+class MKLabelLayer;
 class MKMotion;
+class MKOverlay;
+class MKOverlayLayer;
+class MKOverlayList;
+class MKScaleBar;
 class MKTileLayer;
 class MKTileSource;
 class UIPanGestureRecognizer;
@@ -107,8 +113,36 @@ public:
     /// True while a position is known and its circle of accuracy meets the visible area.
     bool isUserLocationVisible() const;
 
+    // Overlays, drawn over the base map in the order of their list. An overlay that is null or on the map already is
+    // not added again; one that is not on the map is not removed. The delegate is asked for an overlay's view when the
+    // bounding rectangle first meets the visible one, and hears of the views that were added once a turn of the main
+    // queue.
+
+    /// Back to front.
+    std::vector<std::shared_ptr<MKOverlay>> overlays() const;
+    void addOverlay(const std::shared_ptr<MKOverlay>& overlay);
+    void addOverlays(const std::vector<std::shared_ptr<MKOverlay>>& overlays);
+    void removeOverlay(const std::shared_ptr<MKOverlay>& overlay);
+    void removeOverlays(const std::vector<std::shared_ptr<MKOverlay>>& overlays);
+    /// An index beyond the end appends.
+    void insertOverlayAtIndex(const std::shared_ptr<MKOverlay>& overlay, uint64_t index);
+    /// Next to a sibling that is null or not on the map appends.
+    void insertOverlayAboveOverlay(const std::shared_ptr<MKOverlay>& overlay,
+                                   const std::shared_ptr<MKOverlay>& sibling);
+    void insertOverlayBelowOverlay(const std::shared_ptr<MKOverlay>& overlay,
+                                   const std::shared_ptr<MKOverlay>& sibling);
+    /// An index beyond the end is logged and changes nothing.
+    void exchangeOverlayAtIndexWithOverlayAtIndex(uint64_t first, uint64_t second);
+
     /// Where the map's picture comes from; at first the built-in world. Not null.
     void setTileSource(const std::shared_ptr<const MKTileSource>& source);
+
+    /// Whether a scale bar stands at the bottom left; a map that is too small has none.
+    bool showsScale() const { return _showsScale; }
+    void setShowsScale(bool shows);
+    /// Whether the map says whose data it shows. A host that turns this off says so elsewhere.
+    bool showsAttribution() const { return _showsAttribution; }
+    void setShowsAttribution(bool shows);
 
     void layoutSubviews() override;
     bool isOpaque() const override { return hasLayout(); }
@@ -159,13 +193,28 @@ private:
     void userNotLocated(const std::shared_ptr<NSError>& error);
     void removeUserLocation();
 
+    // Names: MKMapView+Labels.cpp
+    void drawLabels(const UIGraphicsContext& context);
+
     // Drawing and loading: MKMapView+Drawing.cpp
     void tilesArrivedIn(const CGRect& area);
-    void tileFailed(const std::string& reason);
+    void tileFailed(const std::string& reason, bool mayPass);
     void reportLoading();
     /// Notes the scale that is about to be drawn; true while it keeps changing from frame to frame.
     bool followScale();
     void queueReport(std::function<void(MKMapView&, MKMapViewDelegate&)> report);
+
+    // Overlays: MKMapView+Overlays.cpp
+    void overlaysChanged(bool changed);
+    void askForOverlaysThatCameIntoSight();
+    void queueOverlayUpdate();
+    void updateOverlays();
+
+    // What stands on the map: MKMapView+Furniture.cpp
+    void addFurniture();
+    /// Brings the scale bar and the attribution up to date.
+    void layOutFurniture();
+    void publishCaption();
 
     std::weak_ptr<MKMapViewDelegate> _delegate;
     MKMapType _mapType = MKMapTypeStandard;
@@ -207,10 +256,25 @@ private:
     std::shared_ptr<CLLocationProvider> _locationProvider;
     std::shared_ptr<MKUserLocation> _userLocation;
 
+    bool _showsScale = false;
+    bool _showsAttribution = true;
+    std::shared_ptr<MKScaleBar> _scaleBar;
+    std::shared_ptr<MKAttributionView> _attributionView;
+
     std::unique_ptr<MKTileLayer> _tiles;
+    std::unique_ptr<MKLabelLayer> _labels;
+    bool _labelsFailed = false; // the source's names cannot be had, which was logged
     enum class Loading { Nothing, Tiles, Failed };
     Loading _loading = Loading::Nothing; // what the delegate was last told
     unsigned _queuedReports = 0;         // loading callbacks on their way to the delegate
+
+    std::unique_ptr<MKOverlayList> _overlays;
+    std::unique_ptr<MKOverlayLayer> _overlayLayer;
+    bool _overlayUpdateQueued = false;
+
+    // What a source could not give for a reason that may pass is asked for again after a while.
+    std::unique_ptr<DispatchTimer> _retryTimer;
+    double _retryRest = 0; // seconds
 };
 
 } // namespace veyra

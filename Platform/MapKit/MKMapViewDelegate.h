@@ -5,11 +5,14 @@
 #include "Platform/MapKit/MKAnnotationView.h"
 
 #include <memory>
+#include <vector>
 
 namespace veyra {
 
 class MKMapView;
 class MKUserLocation;
+class MKOverlay;
+class MKOverlayView;
 
 class MKMapViewDelegate {
 public:
@@ -59,6 +62,12 @@ public:
                                                                      const std::shared_ptr<MKAnnotationView>&,
                                                                      MKAnnotationViewDragState /*state*/,
                                                                      MKAnnotationViewDragState /*oldState*/) {}
+    /// An overlay has come into sight for the first time since it was added: how is it drawn? Null: not at all.
+    virtual std::shared_ptr<MKOverlayView> mapViewViewForOverlay(MKMapView&, const std::shared_ptr<MKOverlay>&) {
+        return nullptr;
+    }
+    /// Overlays' views have been added, in drawing order; never an empty list.
+    virtual void mapViewDidAddOverlayViews(MKMapView&, const std::vector<std::shared_ptr<MKOverlayView>>&) {}
 };
 
 } // namespace veyra

@@ -125,28 +125,63 @@ void MKShapeClipper::appendLine(MKLineMask& mask) const {
     }
 }
 
-// Liang and Barsky, segment by segment.
 void MKShapeClipper::appendClippedLine(MKLineMask& mask) const {
+    for (size_t i = 1; i < _points.size(); ++i) {
+        appendClippedSegment(_points[i - 1], _points[i], mask);
+    }
+}
+
+// Liang and Barsky.
+void MKShapeClipper::appendClippedSegment(Point from, Point to, MKLineMask& mask) const {
+    const double dx = to.x - from.x, dy = to.y - from.y;
+    double start = 0, end = 1;
+    const auto cut = [&](double step, double room) {
+        if (step == 0) {
+            end = room < 0 ? -1 : end;
+        } else if (step < 0) {
+            start = std::max(start, room / step);
+        } else {
+            end = std::min(end, room / step);
+        }
+    };
+    cut(-dx, from.x - _low);
+    cut(dx, _high - from.x);
+    cut(-dy, from.y - _low);
+    cut(dy, _high - from.y);
+    if (start <= end) {
+        mask.addSegment(from.x + dx * start, from.y + dy * start, from.x + dx * end, from.y + dy * end);
+    }
+}
+
+void MKShapeClipper::addDashedLines(const BasemapShapes& shapes, double dash, double gap, MKLineMask& mask) {
+    if (overlap(shapes.bounds) == Overlap::None) {
+        return;
+    }
+    for (size_t i = 0; i < shapes.partCount(); ++i) {
+        if (overlap(shapes.partBounds[i]) != Overlap::None) {
+            thin(shapes.part(i), {});
+            appendDashes(dash, gap, mask);
+        }
+    }
+}
+
+void MKShapeClipper::appendDashes(double dash, double gap, MKLineMask& mask) const {
+    const double period = dash + gap;
+    double walked = 0; // pixels from the beginning of the line, less whole periods
     for (size_t i = 1; i < _points.size(); ++i) {
         const Point from = _points[i - 1], to = _points[i];
         const double dx = to.x - from.x, dy = to.y - from.y;
-        double start = 0, end = 1;
-        const auto cut = [&](double step, double room) {
-            if (step == 0) {
-                end = room < 0 ? -1 : end;
-            } else if (step < 0) {
-                start = std::max(start, room / step);
-            } else {
-                end = std::min(end, room / step);
+        const double length = std::sqrt(dx * dx + dy * dy);
+        const bool isNear = std::max(from.x, to.x) >= _low && std::min(from.x, to.x) <= _high &&
+                            std::max(from.y, to.y) >= _low && std::min(from.y, to.y) <= _high;
+        for (double at = -walked; isNear && at < length; at += period) {
+            const double start = std::max(at, 0.0) / length, end = std::min(at + dash, length) / length;
+            if (start < end) {
+                appendClippedSegment({from.x + dx * start, from.y + dy * start}, {from.x + dx * end, from.y + dy * end},
+                                     mask);
             }
-        };
-        cut(-dx, from.x - _low);
-        cut(dx, _high - from.x);
-        cut(-dy, from.y - _low);
-        cut(dy, _high - from.y);
-        if (start <= end) {
-            mask.addSegment(from.x + dx * start, from.y + dy * start, from.x + dx * end, from.y + dy * end);
         }
+        walked = std::fmod(walked + length, period);
     }
 }
 

@@ -21,6 +21,8 @@ public:
     /// Appends closed rings, which were cut off at `cut`, to the context's path.
     void addAreas(const BasemapShapes& shapes, const BasemapBounds& cut, cairo_t* cairo);
     void addLines(const BasemapShapes& shapes, MKLineMask& mask);
+    /// The same with dashes, in pixels. They are counted from each line's beginning, so that neighbouring tiles agree.
+    void addDashedLines(const BasemapShapes& shapes, double dash, double gap, MKLineMask& mask);
 
 private:
     struct Point {
@@ -35,6 +37,8 @@ private:
     void appendRing(cairo_t* cairo) const;
     void appendLine(MKLineMask& mask) const;
     void appendClippedLine(MKLineMask& mask) const;
+    void appendClippedSegment(Point from, Point to, MKLineMask& mask) const;
+    void appendDashes(double dash, double gap, MKLineMask& mask) const;
 
     const double _originX, _originY, _scale, _low, _high;
     std::vector<Point> _points, _spare;

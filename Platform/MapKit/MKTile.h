@@ -3,16 +3,25 @@
 // immutable and shared.
 #pragma once
 
+#include "Platform/MapKit/ImageTiles/MKTileImage.h"
 #include "Platform/MapKit/MKMapType.h"
+#include "Platform/MapKit/MKTileAttribution.h"
+#include "Platform/UIKit/UIUserInterfaceStyle.h"
 
 #include <cairo.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
+#include <vector>
 
 namespace veyra {
+
+class BasemapNames;
+class MKImageSet;
+struct MKTileImages;
 
 /// A colour without transparency, 0x00RRGGBB as in a Cairo RGB24 surface.
 using MKTileColor = uint32_t;
@@ -25,17 +34,29 @@ struct MKTileKey {
     double scale = 0;       ///< device pixels a map point, exact: pictures of other scales are other tiles
     double deviceScale = 1; ///< device pixels a point, for the widths of lines
     int32_t column = 0, row = 0;
+    UIUserInterfaceStyle style = UIUserInterfaceStyleLight; ///< dark only for sources that have a dark picture
     friend bool operator==(const MKTileKey&, const MKTileKey&) = default;
 
     /// The side in map points.
     double mapSide() const { return side / scale; }
 };
 
+/// What a drawn tile is worth.
+struct MKTileQuality {
+    /// False for one that stands in for the tile itself until that has come, or because that cannot be had.
+    bool isFinal = true;
+    /// Zoom levels by which the coarsest part of a tile that stands in is too coarse.
+    int coarseness = 0;
+    /// Seconds since 1970; not taken from a cache any more after that.
+    double freshUntil = std::numeric_limits<double>::infinity();
+};
+
 /// A drawn tile: one colour, or a picture of MKTileKey::side pixels square.
 class MKTile {
 public:
     /// Takes over the surface (RGB24).
-    MKTile(const MKTileKey& key, cairo_surface_t* surface) : _key(key), _surface(surface) {}
+    MKTile(const MKTileKey& key, cairo_surface_t* surface, const MKTileQuality& quality = {})
+        : _key(key), _surface(surface), _quality(quality) {}
     MKTile(const MKTileKey& key, MKTileColor color) : _key(key), _surface(nullptr), _color(color) {}
     MKTile(const MKTile&) = delete;
     MKTile& operator=(const MKTile&) = delete;
@@ -45,12 +66,14 @@ public:
     /// Null for a tile of one colour.
     cairo_surface_t* surface() const { return _surface; }
     MKTileColor color() const { return _color; }
+    const MKTileQuality& quality() const { return _quality; }
     size_t byteSize() const { return sizeof(MKTile) + (_surface ? size_t{4} * MKTileKey::side * MKTileKey::side : 0); }
 
 private:
     const MKTileKey _key;
     cairo_surface_t* const _surface;
     const MKTileColor _color = 0;
+    const MKTileQuality _quality;
 };
 
 /// Draws tiles. Any thread, several at once; outlives the maps that use it by shared ownership.
@@ -65,6 +88,24 @@ public:
     virtual std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const = 0;
     /// The colour of a place before anything of it is drawn.
     virtual MKTileColor backgroundColor(MKMapType mapType) const = 0;
+
+    /// The images that tiles of a map type are put together from; null for tiles that are drawn without any.
+    virtual std::shared_ptr<const MKImageSet> imageSet(MKMapType) const { return nullptr; }
+    /// The images of that set that a tile needs.
+    virtual std::vector<MKImageKey> imagesFor(const MKTileKey&) const { return {}; }
+    /// Draws a tile with what there is of its images.
+    virtual std::shared_ptr<const MKTile> drawTileFromImages(const MKTileKey& key, const MKTileImages&) const {
+        return drawTile(key);
+    }
+    /// Whose data the tiles of a map type show. May change once the first of them are there.
+    virtual MKTileAttribution attribution(MKMapType) const { return {}; }
+
+    /// Whether the picture for dark surroundings is another one.
+    virtual bool hasDarkPicture() const { return false; }
+    /// The colour behind that picture.
+    virtual MKTileColor darkBackgroundColor(MKMapType mapType) const { return backgroundColor(mapType); }
+    /// Names to be written over the picture, or null. Throws like `drawTile`. They live as long as the source.
+    virtual const BasemapNames* names(MKMapType) const { return nullptr; }
     /// Unique in the process and never used again.
     uint64_t identifier() const { return _identifier; }
 
@@ -80,6 +121,7 @@ struct std::hash<veyra::MKTileKey> {
         size_t value = std::hash<uint64_t>()(key.source) * 31 + key.mapType;
         value = value * 1000003 + std::hash<double>()(key.scale);
         value = value * 1000003 + std::hash<double>()(key.deviceScale);
+        value = value * 31 + key.style;
         value = value * 1000003 + static_cast<uint32_t>(key.column);
         return value * 1000003 + static_cast<uint32_t>(key.row);
     }

@@ -18,6 +18,8 @@ struct MKPixelView {
     double left = 0, top = 0;  ///< the view's corner in pixels of the world, rounded
     int width = 0, height = 0; ///< device pixels
 
+    friend bool operator==(const MKPixelView&, const MKPixelView&) = default;
+
     MKPixelView() = default;
     MKPixelView(const MKCamera& camera, CGSize viewSize, double deviceScale);
 

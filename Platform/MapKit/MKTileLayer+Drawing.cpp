@@ -8,9 +8,9 @@ namespace veyra {
 
 namespace {
 
-// Tiles of one kind: the same source, map type and scales.
+// Tiles of one kind: the same source, map type, scales and coarseness.
 struct Generation {
-    MKTileKey key; // of its first tile
+    const MKTile* tile; // its first
     double distance;
 };
 
@@ -44,9 +44,11 @@ public:
             if (cairo_region_is_empty(_uncovered)) {
                 return;
             }
-            drawGeneration(generation.key);
+            drawGeneration(*generation.tile);
         }
-        setColor(_cairo, _layer._source->backgroundColor(_layer._scene->mapType));
+        const MKMapType mapType = _layer._scene->mapType;
+        setColor(_cairo, _layer.shownStyle() == UIUserInterfaceStyleDark ? _layer._source->darkBackgroundColor(mapType)
+                                                                         : _layer._source->backgroundColor(mapType));
         fill(_uncovered);
     }
 
@@ -55,11 +57,11 @@ private:
     std::vector<Generation> generations() const {
         std::vector<Generation> found;
         for (const auto& [key, tile] : _layer._held) {
-            const auto sameKind = [&held = key](const Generation& generation) {
-                return areOneGeneration(held, generation.key);
+            const auto sameKind = [&held = *tile](const Generation& generation) {
+                return areOneGeneration(held, *generation.tile);
             };
             if (std::none_of(found.begin(), found.end(), sameKind)) {
-                found.push_back({key, distanceTo(key)});
+                found.push_back({tile.get(), distanceTo(*tile)});
             }
         }
         std::sort(found.begin(), found.end(),
@@ -67,21 +69,24 @@ private:
         return found;
     }
 
-    double distanceTo(const MKTileKey& key) const {
-        const bool sameWorld = key.source == _layer._source->identifier() && key.mapType == _layer._scene->mapType;
-        const double levels = std::abs(std::log2(key.scale / _layer._view.scale));
+    double distanceTo(const MKTile& tile) const {
+        const MKTileKey& key = tile.key();
+        const bool sameWorld = key.source == _layer._source->identifier() && key.mapType == _layer._scene->mapType &&
+                               key.style == _layer.shownStyle();
+        const double levels = std::abs(std::log2(key.scale / _layer._view.scale)) + tile.quality().coarseness;
         return levels + (sameWorld ? 0 : 1000) + (key.deviceScale == _layer._scene->deviceScale ? 0 : 0.25);
     }
 
-    static bool areOneGeneration(const MKTileKey& a, MKTileKey b) {
-        b.column = a.column;
-        b.row = a.row;
-        return a == b;
+    static bool areOneGeneration(const MKTile& a, const MKTile& b) {
+        MKTileKey key = b.key();
+        key.column = a.key().column;
+        key.row = a.key().row;
+        return a.key() == key && a.quality().coarseness == b.quality().coarseness;
     }
 
-    void drawGeneration(const MKTileKey& generation) {
+    void drawGeneration(const MKTile& generation) {
         for (const auto& [key, tile] : _layer._held) {
-            if (!areOneGeneration(key, generation)) {
+            if (!areOneGeneration(*tile, generation)) {
                 continue;
             }
             for (const MKPlacedTile& placed : placesOfTile(key, _layer._view, _clip)) {

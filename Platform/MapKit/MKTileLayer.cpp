@@ -32,7 +32,7 @@ PixelRect withMargin(const MKPixelView& view) {
 } // namespace
 
 MKTileLayer::MKTileLayer(std::shared_ptr<const MKTileSource> source, std::function<void(const CGRect&)> arrived,
-                         std::function<void(const std::string&)> failed)
+                         std::function<void(const std::string&, bool)> failed)
     : _source(std::move(source)), _arrived(std::move(arrived)), _failedCallback(std::move(failed)) {}
 
 MKTileLayer::~MKTileLayer() {
@@ -53,7 +53,12 @@ void MKTileLayer::forgetFailures() {
 }
 
 MKTileKey MKTileLayer::keyFor(double scale, int32_t column, int32_t row) const {
-    return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row};
+    return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row, shownStyle()};
+}
+
+UIUserInterfaceStyle MKTileLayer::shownStyle() const {
+    const bool isDark = _scene->style == UIUserInterfaceStyleDark && _source->hasDarkPicture();
+    return isDark ? UIUserInterfaceStyleDark : UIUserInterfaceStyleLight;
 }
 
 double MKTileLayer::neededScale() const {
@@ -81,15 +86,24 @@ void MKTileLayer::setScene(const MKTileScene& scene) {
     MKTileLoader::shared().setWantedTiles(this, _source, _wanted);
 }
 
+bool MKTileLayer::isHeld(const MKTileKey& key) {
+    const auto held = _held.find(key);
+    if (held != _held.end() && held->second->quality().isFinal) {
+        return true;
+    }
+    auto cached = MKTileLoader::shared().cachedTile(key);
+    if (!cached) {
+        return false;
+    }
+    _held.insert_or_assign(key, std::move(cached));
+    return true;
+}
+
 size_t MKTileLayer::want(double scale, const MKPixelView& view, const PixelRect& area, double rank) {
     size_t missing = 0;
     for (const MKPlacedTile& placed : tilesInArea(scale, view, area)) {
         const MKTileKey key = keyFor(scale, placed.column, placed.row);
-        if (_held.contains(key)) {
-            continue;
-        }
-        if (auto cached = MKTileLoader::shared().cachedTile(key)) {
-            _held.emplace(key, std::move(cached));
+        if (isHeld(key)) {
             continue;
         }
         if (_failed.contains(key)) {
@@ -109,12 +123,7 @@ void MKTileLayer::wantOverview() {
     for (int32_t row = 0; row < columns; ++row) {
         for (int32_t column = 0; column < columns; ++column) {
             const MKTileKey key = keyFor(overviewScale, column, row);
-            if (_held.contains(key) || _failed.contains(key)) {
-                continue;
-            }
-            if (auto cached = MKTileLoader::shared().cachedTile(key)) {
-                _held.emplace(key, std::move(cached));
-            } else {
+            if (!isHeld(key) && !_failed.contains(key)) {
                 _wanted.push_back({key, rankOverview});
             }
         }
@@ -123,7 +132,7 @@ void MKTileLayer::wantOverview() {
 
 bool MKTileLayer::isOverview(const MKTileKey& key) const {
     return key.scale == overviewScale && key.source == _source->identifier() && key.mapType == _scene->mapType &&
-           key.deviceScale == _scene->deviceScale;
+           key.style == shownStyle() && key.deviceScale == _scene->deviceScale;
 }
 
 bool MKTileLayer::needs(const MKTileKey& key) const {
@@ -153,35 +162,45 @@ void MKTileLayer::tileLoaded(const std::shared_ptr<const MKTile>& tile) {
         return;
     }
     const double rank = wanted->rank;
-    _isStale = true;
-    _wanted.erase(wanted);
-    _held.emplace(key, tile);
-    if (rank < rankOverview) {
-        --_missing;
+    _held.insert_or_assign(key, tile);
+    if (tile->quality().isFinal) {
+        _isStale = true;
+        _wanted.erase(wanted);
+        if (rank < rankOverview) {
+            --_missing;
+        }
     }
     if (rank < rankDestination) {
-        const double scale = _scene->deviceScale;
-        for (const MKPlacedTile& placed : placesOfTile(key, _view, wholeOf(_view))) {
-            _arrived({{placed.rect.x / scale, placed.rect.y / scale},
-                      {placed.rect.width / scale, placed.rect.height / scale}});
-        }
+        reportArrival(key);
     }
 }
 
-void MKTileLayer::tileFailed(const MKTileKey& key, const std::string& reason) {
-    const auto wanted =
-        std::find_if(_wanted.begin(), _wanted.end(), [&](const MKWantedTile& entry) { return entry.key == key; });
+void MKTileLayer::reportArrival(const MKTileKey& key) {
+    const double scale = _scene->deviceScale;
+    for (const MKPlacedTile& placed : placesOfTile(key, _view, wholeOf(_view))) {
+        _arrived(
+            {{placed.rect.x / scale, placed.rect.y / scale}, {placed.rect.width / scale, placed.rect.height / scale}});
+    }
+}
+
+void MKTileLayer::tileFailed(const MKTileResult& result) {
+    const auto wanted = std::find_if(_wanted.begin(), _wanted.end(),
+                                     [&](const MKWantedTile& entry) { return entry.key == result.key; });
     if (wanted == _wanted.end()) {
         return;
     }
     const bool isNeeded = wanted->rank < rankOverview;
     _isStale = true;
     _wanted.erase(wanted);
-    _failed.insert(key);
+    _failed.insert(result.key);
+    if (result.tile) {
+        _held.insert_or_assign(result.key, result.tile);
+        reportArrival(result.key);
+    }
     if (isNeeded) {
         --_missing;
         _failedInScene = true;
-        _failedCallback(reason);
+        _failedCallback(result.failure, result.mayPass);
     }
 }
 

@@ -22,6 +22,7 @@ struct MKTileScene {
     CGSize viewSize;
     double deviceScale = 1;
     MKMapType mapType = MKMapTypeStandard;
+    UIUserInterfaceStyle style = UIUserInterfaceStyleLight;
     bool scaleIsChanging = false;
     std::optional<MKCamera> destination; ///< where a movement leads
     friend bool operator==(const MKTileScene&, const MKTileScene&) = default;
@@ -30,17 +31,21 @@ struct MKTileScene {
 class MKTileLayer final : private MKTileLoaderClient {
 public:
     /// `arrived` is called with an area of the view (points) whose picture has become better; `failed` with the reason
-    /// when a tile that the scene needs cannot be had.
+    /// when a tile that the scene needs cannot be had, and whether that may pass.
     MKTileLayer(std::shared_ptr<const MKTileSource> source, std::function<void(const CGRect&)> arrived,
-                std::function<void(const std::string&)> failed);
+                std::function<void(const std::string&, bool)> failed);
     ~MKTileLayer() override;
 
     /// Takes another source; what the former one has drawn stays until it is replaced. Failures are forgotten.
     void setSource(std::shared_ptr<const MKTileSource> source);
+    const MKTileSource& source() const { return *_source; }
     /// Says what is shown from now on and asks for the tiles that it lacks, nearest to the middle first.
     void setScene(const MKTileScene& scene);
     /// Draws the scene, inside the context's clip.
     void draw(const UIGraphicsContext& context) const;
+
+    /// What was shown last; nothing before the first time.
+    const std::optional<MKTileScene>& scene() const { return _scene; }
 
     /// True while the scene lacks tiles that may still come.
     bool isWaiting() const { return _missing > 0; }
@@ -50,7 +55,8 @@ public:
 private:
     class Painter;
     void tileLoaded(const std::shared_ptr<const MKTile>& tile) override;
-    void tileFailed(const MKTileKey& key, const std::string& reason) override;
+    void tileFailed(const MKTileResult& result) override;
+    void reportArrival(const MKTileKey& key);
 
     MKTileKey keyFor(double scale, int32_t column, int32_t row) const;
     /// The scale of the tiles that the scene needs, in device pixels a map point.
@@ -58,13 +64,16 @@ private:
     /// Wants the tiles of a scale in an area that are neither held nor failed; returns how many those are.
     size_t want(double scale, const MKPixelView& view, const PixelRect& area, double rank);
     void wantOverview();
+    /// True when the tile itself, not what stands in for it, is held or in the cache, from which it is taken.
+    bool isHeld(const MKTileKey& key);
     void forgetUseless();
+    UIUserInterfaceStyle shownStyle() const;
     bool isOverview(const MKTileKey& key) const;
     bool needs(const MKTileKey& key) const;
 
     std::shared_ptr<const MKTileSource> _source;
     const std::function<void(const CGRect&)> _arrived;
-    const std::function<void(const std::string&)> _failedCallback;
+    const std::function<void(const std::string&, bool)> _failedCallback;
 
     std::optional<MKTileScene> _scene;
     MKPixelView _view;

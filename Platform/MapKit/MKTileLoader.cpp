@@ -1,6 +1,7 @@
 #include "Platform/MapKit/MKTileLoader.h"
 
 #include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/ImageTiles/MKImageTilePlanner.h"
 
 #include <algorithm>
 #include <tuple>
@@ -21,7 +22,23 @@ MKTileLoader& MKTileLoader::shared() {
 MKTileLoader::MKTileLoader()
     : _cache(cacheBytes), _workers(*new MKTileWorkers(workerCount, [this](MKTileResult result) {
           dispatch_async(dispatch_get_main_queue(), [this, result = std::move(result)] { take(result); });
-      })) {}
+      })) {
+    MKImageLoader::shared().setChangeHandler([this] { submitJobs(); });
+}
+
+std::shared_ptr<const MKTile> MKTileLoader::cachedTile(const MKTileKey& key) {
+    auto tile = _cache.find(key);
+    if (tile && tile->quality().freshUntil < static_cast<double>(g_get_real_time()) / 1e6) {
+        _cache.remove(key);
+        return nullptr;
+    }
+    return tile;
+}
+
+void MKTileLoader::emptyCache() {
+    _cache.removeAll();
+    MKImageLoader::shared().forgetAll();
+}
 
 void MKTileLoader::setWantedTiles(MKTileLoaderClient* client, const std::shared_ptr<const MKTileSource>& source,
                                   std::vector<MKWantedTile> tiles) {
@@ -53,33 +70,71 @@ void MKTileLoader::submitJobs() {
         return std::tie(a.first, a.second.key.row, a.second.key.column) <
                std::tie(b.first, b.second.key.row, b.second.key.column);
     });
-    std::vector<MKTileJob> jobs;
+    std::vector<MKTileJob> jobs, standIns;
+    MKImageLoader::shared().beginWanting();
     for (auto& [rank, job] : ranked) {
-        if (seen.insert(job.key).second) {
-            jobs.push_back(std::move(job));
+        if (seen.insert(job.key).second && prepare(job, rank)) {
+            (job.images.isWaiting ? standIns : jobs).push_back(std::move(job));
         }
     }
+    MKImageLoader::shared().endWanting();
+    forgetStandIns(seen);
+    jobs.insert(jobs.end(), std::make_move_iterator(standIns.begin()), std::make_move_iterator(standIns.end()));
     _workers.setJobs(std::move(jobs));
 }
 
-void MKTileLoader::take(const MKTileResult& result) {
-    if (result.tile) {
-        _cache.insert(result.tile);
+bool MKTileLoader::prepare(MKTileJob& job, double rank) {
+    if (!job.source->imageSet(job.key.mapType)) {
+        return true;
     }
-    // A client may take itself or others out while it is told.
-    std::vector<MKTileLoaderClient*> clients;
+    job.images = MKImageTilePlanner(MKImageLoader::shared(), *job.source, job.key, rank).images();
+    if (!job.images.isWaiting) {
+        return true;
+    }
+    const auto drawn = _standIns.find(job.key);
+    return job.images.coversAll && (drawn == _standIns.end() || job.images.distance() < drawn->second);
+}
+
+void MKTileLoader::forgetStandIns(const std::unordered_set<MKTileKey>& wanted) {
+    std::erase_if(_standIns, [&](const auto& entry) { return !wanted.contains(entry.first); });
+}
+
+void MKTileLoader::take(const MKTileResult& result) {
+    if (result.tile && result.failure.empty() && !result.tile->quality().isFinal) {
+        takeStandIn(result);
+        return;
+    }
+    if (result.tile && result.failure.empty()) {
+        _cache.insert(result.key, result.tile);
+    }
     for (Wishes& wishes : _wishes) {
         std::erase_if(wishes.tiles, [&](const MKWantedTile& tile) { return tile.key == result.key; });
-        clients.push_back(wishes.client);
     }
     _workers.acknowledge(result.key);
+    tell(result);
+}
+
+void MKTileLoader::takeStandIn(const MKTileResult& result) {
+    _standIns[result.key] = result.distance;
+    _workers.acknowledge(result.key);
+    tell(result);
+    // Meanwhile the images that it lacked may have come.
+    submitJobs();
+}
+
+void MKTileLoader::tell(const MKTileResult& result) {
+    // A client may take itself or others out while it is told.
+    std::vector<MKTileLoaderClient*> clients;
+    for (const Wishes& wishes : _wishes) {
+        clients.push_back(wishes.client);
+    }
     for (MKTileLoaderClient* client : clients) {
         const bool isStillThere =
             std::any_of(_wishes.begin(), _wishes.end(), [&](const Wishes& wishes) { return wishes.client == client; });
-        if (isStillThere && result.tile) {
+        if (isStillThere && result.failure.empty()) {
             client->tileLoaded(result.tile);
         } else if (isStillThere) {
-            client->tileFailed(result.key, result.failure);
+            client->tileFailed(result);
         }
     }
 }

@@ -1,8 +1,9 @@
-// Gets tiles for all maps of the process: from the cache that they share, or from the workers. Main queue only; never
-// destroyed. Clients are not owned: each takes itself out before it goes.
+// Gets tiles for all maps of the process: from the cache that they share, or from the workers, which get those of a
+// source of images once the images are there; until then they draw what stands in. Main queue only; never destroyed.
+// Clients are not owned: each takes itself out before it goes.
 #pragma once
 
-#include "Platform/MapKit/MKTileCache.h"
+#include "Platform/MapKit/MKByteCache.h"
 #include "Platform/MapKit/MKTileWorkers.h"
 
 namespace veyra {
@@ -16,9 +17,10 @@ struct MKWantedTile {
 class MKTileLoaderClient {
 public:
     virtual ~MKTileLoaderClient() = default;
-    /// A tile was drawn, for this map or another one.
+    /// A tile was drawn, for this map or another one. One that is not final is followed by another, or by a failure.
     virtual void tileLoaded(const std::shared_ptr<const MKTile>& tile) = 0;
-    virtual void tileFailed(const MKTileKey& key, const std::string& reason) = 0;
+    /// A tile cannot be had; what stands in for it, if anything, is in the result.
+    virtual void tileFailed(const MKTileResult& result) = 0;
 };
 
 class MKTileLoader {
@@ -28,14 +30,17 @@ public:
 
     static MKTileLoader& shared();
 
-    std::shared_ptr<const MKTile> cachedTile(const MKTileKey& key) { return _cache.find(key); }
+    /// The tile, or null.
+    std::shared_ptr<const MKTile> cachedTile(const MKTileKey& key);
     /// Replaces what the client wants of the source; what it wanted before and no thread has begun is cancelled. The
     /// tiles are not in the cache.
     void setWantedTiles(MKTileLoaderClient* client, const std::shared_ptr<const MKTileSource>& source,
                         std::vector<MKWantedTile> tiles);
     void removeClient(MKTileLoaderClient* client);
     /// For measuring without a warm cache.
-    void emptyCache() { _cache.removeAll(); }
+    void emptyCache();
+    /// Bytes of drawn tiles in the cache.
+    size_t cachedBytes() const { return _cache.byteSize(); }
 
 private:
     struct Wishes {
@@ -45,9 +50,15 @@ private:
     };
     MKTileLoader();
     void submitJobs();
+    /// Wants the images of the job's tile. False while there is nothing new to draw it from.
+    bool prepare(MKTileJob& job, double rank);
+    void forgetStandIns(const std::unordered_set<MKTileKey>& wanted);
     void take(const MKTileResult& result);
+    void takeStandIn(const MKTileResult& result);
+    void tell(const MKTileResult& result);
 
-    MKTileCache _cache;
+    MKByteCache<MKTileKey, MKTile> _cache;
+    std::unordered_map<MKTileKey, int> _standIns; // how far those that were drawn are from the tiles
     std::vector<Wishes> _wishes;
     MKTileWorkers& _workers;
 };

@@ -45,11 +45,13 @@ MKTileJob MKTileWorkers::takeJob() {
 void MKTileWorkers::run() {
     for (;;) {
         const MKTileJob job = takeJob();
-        MKTileResult result{job.key, nullptr, {}};
+        MKTileResult result{job.key, nullptr, job.images.isWaiting ? std::string() : job.images.failure,
+                            job.images.mayPass, job.images.distance()};
         try {
-            result.tile = job.source->drawTile(job.key);
+            result.tile = job.source->drawTileFromImages(job.key, job.images);
         } catch (const std::exception& exception) {
             result.failure = exception.what();
+            result.mayPass = false;
         }
         _completion(std::move(result));
     }

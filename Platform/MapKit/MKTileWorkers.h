@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSLock.h"
+#include "Platform/MapKit/ImageTiles/MKTileImages.h"
 #include "Platform/MapKit/MKTile.h"
 
 #include <condition_variable>
@@ -16,13 +17,16 @@ namespace veyra {
 struct MKTileJob {
     MKTileKey key;
     std::shared_ptr<const MKTileSource> source;
+    MKTileImages images{}; ///< of a source that puts tiles together from images
 };
 
-/// What became of a job: the tile, or why there is none.
+/// What became of a job: the tile, or why there is none, or both when the tile stands in for what cannot be had.
 struct MKTileResult {
     MKTileKey key;
     std::shared_ptr<const MKTile> tile;
     std::string failure;
+    bool mayPass = false; ///< the failure may pass
+    int distance = 0;     ///< MKTileImages::distance of what the tile was drawn from
 };
 
 class MKTileWorkers {

@@ -69,6 +69,13 @@ void UIWindow::setSize(CGSize points, double scale) {
     setNeedsDisplay();
 }
 
+void UIWindow::setUserInterfaceStyle(UIUserInterfaceStyle style) {
+    if (_userInterfaceStyle != style) {
+        _userInterfaceStyle = style;
+        setNeedsDisplay();
+    }
+}
+
 void UIWindow::makeStore() {
     if (_surface)
         cairo_surface_destroy(_surface);
@@ -96,6 +103,25 @@ void UIWindow::setVisible(bool visible) {
     idleStateChanged();
 }
 
+void UIWindow::setCaption(const UICaption& caption) {
+    if (caption == _caption)
+        return;
+    _caption = caption;
+    if (const auto handler = _captionHandler)
+        handler(caption);
+}
+
+void UIWindow::setCaptionHandler(std::function<void(const UICaption&)> handler) {
+    _captionHandler = std::move(handler);
+    if (const auto handing = _captionHandler; handing && _caption != UICaption())
+        handing(_caption);
+}
+
+void UIWindow::openURL(const std::string& url) {
+    if (const auto handler = _openURLHandler)
+        handler(url);
+}
+
 void UIWindow::sendEvent(const UIEvent& event) {
     const auto self = sharedView(); // handlers may drop the window
     std::visit(Overloaded{[this](const UITouchEvent& touch) { _gestures->handleTouch(*this, touch); },
@@ -106,7 +132,8 @@ void UIWindow::sendEvent(const UIEvent& event) {
                                   if (view->handleScroll(scroll))
                                       return;
                           },
-                          [this](const UIKeyEvent& key) { offerKey(*this, key); }},
+                          [this](const UIKeyEvent& key) { offerKey(*this, key); },
+                          [this](const UIFocusEvent& focus) { tellFocus(*this, focus); }},
                event);
 }
 
@@ -121,19 +148,24 @@ bool UIWindow::offerKey(UIView& view, const UIKeyEvent& event) {
     return view.handleKey(event);
 }
 
+void UIWindow::tellFocus(UIView& view, const UIFocusEvent& event) {
+    const auto views = view.subviews();
+    for (const auto& below : views)
+        tellFocus(*below, event);
+    view.handleFocus(event);
+}
+
 void UIWindow::cancelTouches() {
     const auto self = sharedView();
     _gestures->cancelTouches();
 }
 
 UIInputPolicy UIWindow::inputPolicy() const {
-    const unsigned bits = _inputPolicy.load();
-    return {(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0, (bits & 16) != 0};
+    return UIInputPolicy::fromBits(_inputPolicy.load());
 }
 
 void UIWindow::setInputPolicy(const UIInputPolicy& policy) {
-    _inputPolicy = unsigned{policy.usesDrags} | unsigned{policy.usesScrolls} << 1 | unsigned{policy.usesPinches} << 2 |
-                   unsigned{policy.usesPanKeys} << 3 | unsigned{policy.usesZoomKeys} << 4;
+    _inputPolicy = policy.bits();
 }
 
 bool UIWindow::isIdle() const {

@@ -4,10 +4,12 @@
 
 #include "Platform/UIKit/DamageList.h"
 #include "Platform/UIKit/UIEvent.h"
+#include "Platform/UIKit/UIUserInterfaceStyle.h"
 #include "Platform/UIKit/UIView.h"
 
 #include <atomic>
 #include <functional>
+#include <string>
 #include <vector>
 
 typedef struct _cairo_surface cairo_surface_t;
@@ -15,6 +17,13 @@ typedef struct _cairo_surface cairo_surface_t;
 namespace veyra {
 
 class UIGestureEnvironment;
+
+/// A line of text that belongs to what a window shows, for those who do not see it, with the address that it leads to.
+struct UICaption {
+    std::string text; ///< "" for none
+    std::string url;  ///< http or https, or ""
+    friend bool operator==(const UICaption&, const UICaption&) = default;
+};
 
 class UIWindow final : public UIView {
 public:
@@ -35,8 +44,12 @@ public:
     void setVisible(bool visible);
     bool isVisible() const { return _visible; }
 
+    /// What the window's surroundings look like; light at first. A change draws everything anew.
+    UIUserInterfaceStyle userInterfaceStyle() const { return _userInterfaceStyle; }
+    void setUserInterfaceStyle(UIUserInterfaceStyle style);
+
     /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
-    /// (scrolls), or to the views from the front down (keys).
+    /// (scrolls), or to the views from the front down (keys), or to all views (focus).
     void sendEvent(const UIEvent& event);
     /// Ends all touches as cancelled: the host lost the pointer.
     void cancelTouches();
@@ -44,6 +57,15 @@ public:
     UIInputPolicy inputPolicy() const;
     /// Views publish here what they use; see UIInputPolicy.
     void setInputPolicy(const UIInputPolicy& policy);
+
+    /// Views publish here what a host hands on to assistive technology.
+    const UICaption& caption() const { return _caption; }
+    void setCaption(const UICaption& caption);
+    /// `handler` is called on the main queue with each new caption, and at once when there is one already.
+    void setCaptionHandler(std::function<void(const UICaption&)> handler);
+    /// Views ask the host to show the user what is at an address; a host without a handler does nothing.
+    void openURL(const std::string& url);
+    void setOpenURLHandler(std::function<void(const std::string&)> handler) { _openURLHandler = std::move(handler); }
 
     /// True when the next `drawFrame` has something to do.
     bool needsFrame() const;
@@ -80,6 +102,7 @@ private:
     void forgetAnimation(const UIView& view);
     void requestFrame();
     void reportIdle();
+    static void tellFocus(UIView& view, const UIFocusEvent& event);
     bool offerKey(UIView& view, const UIKeyEvent& event);
     void makeStore();
     PixelRect storeRect() const { return {0, 0, _pixelWidth, _pixelHeight}; }
@@ -93,6 +116,7 @@ private:
     double _scale = 1;
     int _pixelWidth = 0, _pixelHeight = 0;
     bool _visible = true;
+    UIUserInterfaceStyle _userInterfaceStyle = UIUserInterfaceStyleLight;
     bool _frameRequested = false;
     bool _drawingFrame = false;
     bool _wasIdle = true;
@@ -102,6 +126,9 @@ private:
     std::vector<std::weak_ptr<UIView>> _animating;
     std::function<void()> _frameRequestHandler;
     std::function<void()> _idleHandler;
+    UICaption _caption;
+    std::function<void(const UICaption&)> _captionHandler;
+    std::function<void(const std::string&)> _openURLHandler;
     std::atomic<unsigned> _inputPolicy{0};
     std::unique_ptr<UIGestureEnvironment> _gestures;
 };

@@ -11,71 +11,79 @@ namespace veyra {
 
 namespace {
 
-// A wrapper's private data: the object that it shows. Taken away by the collector.
-using WrapperData = std::shared_ptr<NSObject>;
-
-void finalizeWrapper(JSObjectRef wrapper) {
-    delete static_cast<WrapperData*>(JSObjectGetPrivate(wrapper));
-}
-
-JSClassRef wrapperBaseClass() {
-    static JSClassRef base = [] {
-        JSClassDefinition definition = kJSClassDefinitionEmpty;
-        definition.className = "VeyraObject";
-        definition.finalize = finalizeWrapper;
-        return JSClassCreate(&definition);
-    }();
-    return base;
-}
-
-JSValueRef describeWrapper(JSContextRef script, JSObjectRef, JSObjectRef thisObject, size_t, const JSValueRef[],
-                           JSValueRef* exception) {
+// The text form of a value object, on the prototype of its kind.
+JSValueRef describe(JSContextRef script, JSObjectRef, JSObjectRef thisObject, size_t, const JSValueRef[],
+                    JSValueRef* exception) {
     const auto context = ScriptContext::existing(script);
     if (!context)
         return JSValueMakeUndefined(script);
     return ScriptCall::run(*context, script, exception, [&]() -> JSValueRef {
-        if (!JSValueIsObjectOfClass(script, thisObject, wrapperBaseClass()))
+        const auto object = context->toNative(thisObject).object();
+        if (!object || object->isKindOfClass(WebScriptObject::classObject()))
             throw NSException(NSInvalidArgumentException, "toString was called on an object that is no map value");
-        return context->toScript(context->toNative(thisObject).object()->description());
+        return context->toScript(object->description());
     });
 }
 
-// What scripts see of a native class: its script class and the names of its attributes.
-struct WrapperClass {
+} // namespace
+
+// What scripts see of a native class: attributes, each with its getter, and a prototype that tells the kind.
+struct ScriptContext::ValueClass {
     struct Attribute {
         NSString key;
+        SEL getter;
         JSStringRef scriptName;
     };
-    JSClassRef scriptClass;
+    ~ValueClass() {
+        for (const Attribute& attribute : attributes)
+            JSStringRelease(attribute.scriptName);
+    }
+    Class cls = nullptr;
+    JSObjectRef prototype = nullptr; // kept
+    ScriptHelpers::Helper maker;
     std::vector<Attribute> attributes;
 };
 
-const WrapperClass& wrapperClassOf(const NSObject& object) {
-    static auto* classes = new std::unordered_map<Class, WrapperClass>;
-    const Class cls = object.isa();
-    const auto found = classes->find(cls);
-    if (found != classes->end())
-        return found->second;
+ScriptContext::~ScriptContext() = default;
 
-    static const JSStaticFunction functions[] = {{"toString", describeWrapper, kJSPropertyAttributeDontEnum},
-                                                 {nullptr, nullptr, kJSPropertyAttributeNone}};
-    JSClassDefinition definition = kJSClassDefinitionEmpty;
-    definition.className = cls->name().c_str();
-    definition.parentClass = wrapperBaseClass();
-    definition.staticFunctions = functions;
-    WrapperClass result{JSClassCreate(&definition), {}};
+void ScriptContext::defineHidden(JSObjectRef object, JSValueRef key, JSValueRef value) {
+    JSObjectRef descriptor = JSObjectMake(_context, nullptr, nullptr);
+    JSStringRef name = JSStringCreateWithUTF8CString("value");
+    JSObjectSetProperty(_context, descriptor, name, value, kJSPropertyAttributeNone, nullptr);
+    JSStringRelease(name);
+    const JSValueRef arguments[] = {object, key, descriptor};
+    JSObjectCallAsFunction(_context, _defineProperty, nullptr, 3, arguments, nullptr);
+}
+
+const ScriptContext::ValueClass& ScriptContext::valueClassOf(const NSObject& object) {
+    for (const auto& known : _valueClasses)
+        if (known->cls == object.isa())
+            return *known;
+    const Class cls = object.isa();
     const WebScripting& scripting = cls->scripting();
+    auto made = std::make_shared<ValueClass>();
+    made->cls = cls;
+    std::vector<NSString> names;
     for (const NSString& key : object.attributeKeys()) {
         const std::string name = key.utf8();
         if (!scripting.isKeyExcludedFromWebScript || scripting.isKeyExcludedFromWebScript(name.c_str()))
             continue;
         const auto renamed = scripting.webScriptNameForKey ? scripting.webScriptNameForKey(name.c_str()) : std::nullopt;
-        result.attributes.push_back({key, ScriptContext::makeString(renamed.value_or(key))});
+        names.push_back(renamed.value_or(key));
+        made->attributes.push_back({key, SEL(name.c_str()), makeString(names.back())});
     }
-    return classes->emplace(cls, std::move(result)).first->second;
+    made->prototype = JSObjectMake(_context, nullptr, nullptr);
+    keep(made->prototype);
+    JSStringRef toStringName = JSStringCreateWithUTF8CString("toString");
+    defineHidden(made->prototype, JSValueMakeString(_context, toStringName),
+                 JSObjectMakeFunctionWithCallback(_context, toStringName, describe));
+    JSStringRelease(toStringName);
+    if (_toStringTag)
+        defineHidden(made->prototype, _toStringTag, toScript(id(NSString(std::string_view(cls->name())))));
+    made->maker = _helpers.makeMaker(names, made->prototype);
+    _valueClasses.push_back(std::move(made));
+    return *_valueClasses.back();
 }
-
-} // namespace
 
 NSString ScriptContext::toString(JSStringRef string) {
     const JSChar* units = JSStringGetCharactersPtr(string);
@@ -95,7 +103,7 @@ JSStringRef ScriptContext::keyString(const NSString& key) {
     return entry->second;
 }
 
-void ScriptContext::visitElement(JSValueRef element, WebScriptObjectValues& ahead,
+void ScriptContext::visitElement(JSValueRef element, ScriptValuesAhead& ahead,
                                  const std::function<void(const id&)>& visit) {
     struct Settling {
         ~Settling() { context.settle(firstArgument, firstWrapper); }
@@ -109,10 +117,10 @@ void ScriptContext::visitElement(JSValueRef element, WebScriptObjectValues& ahea
         return;
     }
     struct Reading {
-        ~Reading() { object._ahead = former; }
+        ~Reading() { object._readAhead = former; }
         WebScriptObject& object;
-        WebScriptObjectValues* const former;
-    } const reading{*script, std::exchange(script->_ahead, &ahead)};
+        ScriptValuesAhead* const former;
+    } const reading{*script, std::exchange(script->_readAhead, &ahead)};
     visit(native);
 }
 
@@ -172,9 +180,9 @@ std::shared_ptr<WebScriptObject> ScriptContext::scriptObject(JSObjectRef object,
     return made;
 }
 
-// Scripts may have written the attributes of the wrapper: they are read back when it comes to native code.
-void ScriptContext::refresh(NSObject& object, JSObjectRef script) {
-    for (const auto& attribute : wrapperClassOf(object).attributes) {
+// Scripts may have written the attributes: they are read back when the object comes to native code.
+void ScriptContext::refresh(NSObject& object, JSObjectRef script, const ValueClass& cls) {
+    for (const auto& attribute : cls.attributes) {
         JSValueRef exception = nullptr;
         const JSValueRef value = JSObjectGetProperty(_context, script, attribute.scriptName, &exception);
         if (exception) {
@@ -189,30 +197,47 @@ void ScriptContext::refresh(NSObject& object, JSObjectRef script) {
 }
 
 std::shared_ptr<NSObject> ScriptContext::unwrap(JSObjectRef object) {
-    if (!JSValueIsObjectOfClass(_context, object, wrapperBaseClass()))
+    const JSValueRef prototype = JSObjectGetPrototype(_context, object);
+    const auto cls = std::find_if(_valueClasses.begin(), _valueClasses.end(),
+                                  [&](const auto& known) { return known->prototype == prototype; });
+    if (cls == _valueClasses.end())
         return nullptr;
-    const auto native = *static_cast<WrapperData*>(JSObjectGetPrivate(object));
-    refresh(*native, object);
-    const auto isSame = [&](const Wrapper& wrapper) { return wrapper.object == native; };
-    if (isUsable() && _callDepth > 0 && std::none_of(_keptWrappers.begin(), _keptWrappers.end(), isSame) &&
-        std::none_of(_recentWrappers.begin(), _recentWrappers.end(), isSame))
-        _recentWrappers.push_back({native, object, 0});
+    const ValueClass& known = **cls;
+    std::shared_ptr<NSObject> native;
+    for (const auto* wrappers : {&_recentWrappers, &_keptWrappers})
+        for (const Wrapper& wrapper : *wrappers)
+            if (wrapper.script == object)
+                native = wrapper.object;
+    if (!native) {
+        // Native code has let go of the object that this one was made for.
+        const auto make = known.cls->scripting().makeValueObject;
+        if (!make)
+            return nullptr;
+        native = make();
+        if (_callDepth > 0)
+            _recentWrappers.push_back({native, object, 0});
+    }
+    refresh(*native, object, known);
     return native;
 }
 
+// All attributes of value objects are numbers.
 JSValueRef ScriptContext::wrap(const std::shared_ptr<NSObject>& object) {
     for (const auto* wrappers : {&_recentWrappers, &_keptWrappers})
         for (const Wrapper& wrapper : *wrappers)
             if (wrapper.object == object)
                 return wrapper.script;
-    const WrapperClass& cls = wrapperClassOf(*object);
-    JSObjectRef script = JSObjectMake(_context, cls.scriptClass, new WrapperData(object));
+    const ValueClass& cls = valueClassOf(*object);
+    double* number = cls.maker.numbers;
     for (const auto& attribute : cls.attributes)
-        JSObjectSetProperty(_context, script, attribute.scriptName, toScript(object->valueForKey(attribute.key)),
-                            kJSPropertyAttributeNone, nullptr);
+        *number++ = object->performSelector(attribute.getter).doubleValue();
+    JSValueRef exception = nullptr;
+    const JSValueRef made = JSObjectCallAsFunction(_context, cls.maker.function, nullptr, 0, nullptr, &exception);
+    if (exception)
+        return JSValueMakeUndefined(_context); // out of stack
     if (_callDepth > 0)
-        _recentWrappers.push_back({object, script, 0});
-    return script;
+        _recentWrappers.push_back({object, const_cast<JSObjectRef>(made), 0});
+    return made;
 }
 
 JSValueRef ScriptContext::toScript(const id& value) {

@@ -96,14 +96,18 @@ ScriptContext::ScriptContext(JSGlobalContextRef context, JSObjectRef keeper) : _
         if ((_defineProperty = objectProperty(context, object, "defineProperty")))
             keep(_defineProperty);
     }
+    if (JSObjectRef symbol = objectProperty(context, global, "Symbol")) {
+        JSStringRef name = JSStringCreateWithUTF8CString("toStringTag");
+        const JSValueRef tag = JSObjectGetProperty(context, symbol, name, nullptr);
+        JSStringRelease(name);
+        _toStringTag = tag && JSValueIsSymbol(context, tag) ? tag : nullptr;
+    }
     if ((_console = objectProperty(context, global, "console"))) {
         keep(_console);
         if ((_consoleError = objectProperty(context, _console, "error")))
             keep(_consoleError);
     }
 }
-
-ScriptContext::~ScriptContext() = default;
 
 // The collector calls this, on whatever thread it sweeps: it touches neither the engine nor the context.
 void ScriptContext::holderFinalized(JSObjectRef holder) {
@@ -123,6 +127,7 @@ void ScriptContext::invalidate() {
         return;
     const auto self = shared_from_this();
     _alive = false;
+    _helpers.stopReads();
     if (lastFound == this)
         lastFound = nullptr;
     const auto found = registry().find(_context);
@@ -145,8 +150,24 @@ void ScriptContext::onDeath(std::function<void()> handler) {
 
 void ScriptContext::setSuspended(bool suspended) {
     _suspended = suspended;
-    if (!suspended)
+    if (suspended)
+        _helpers.stopReads();
+    else
         reclaimSlots();
+}
+
+JSObjectRef ScriptContext::helperFunction(const char* source) {
+    JSObjectRef& helper = _helperFunctions[source];
+    if (!helper && isUsable()) {
+        JSStringRef text = JSStringCreateWithUTF8CString(source);
+        const JSValueRef made = JSEvaluateScript(_context, text, nullptr, nullptr, 1, nullptr);
+        JSStringRelease(text);
+        if (made && JSValueIsObject(_context, made)) {
+            helper = JSValueToObject(_context, made, nullptr);
+            keep(helper);
+        }
+    }
+    return helper;
 }
 
 unsigned ScriptContext::keep(JSObjectRef object) {
@@ -206,9 +227,7 @@ void ScriptContext::settle(size_t firstArgument, size_t firstWrapper) {
             _objects[argument->_object] = argument;
         }
     }
-    const auto isHeld = [](const Wrapper& wrapper) {
-        return wrapper.object.use_count() > 2;
-    }; // the wrapper's, and ours
+    const auto isHeld = [](const Wrapper& wrapper) { return wrapper.object.use_count() > 1; };
     while (_recentWrappers.size() > firstWrapper) {
         Wrapper wrapper = std::move(_recentWrappers.back());
         _recentWrappers.pop_back();

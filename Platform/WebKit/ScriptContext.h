@@ -8,6 +8,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
+#include "Platform/WebKit/ScriptHelpers.h"
 
 #include <JavaScriptCore/JavaScript.h>
 
@@ -18,16 +19,6 @@
 namespace veyra {
 
 class WebScriptObject;
-class WebScriptObjectValues;
-struct ScriptKeySequence;
-
-/// A function of the page's engine that reads keys; see ScriptElementReader.h. The arrays live as long as it.
-struct ScriptElementHelper {
-    JSObjectRef function = nullptr;
-    const uint8_t* kinds = nullptr;
-    const double* numbers = nullptr;
-};
-
 class ScriptContext : public std::enable_shared_from_this<ScriptContext> {
 public:
     /// The context of `globalContext`, made at the first call. `keeper` (of the same engine group) may be null; it is
@@ -67,9 +58,7 @@ public:
 
     /// Calls `visit` with an element that the caller's stack keeps alive meanwhile; what has been read of it ahead is
     /// what its keys answer. Afterwards it is kept only if native code holds it.
-    void visitElement(JSValueRef element, WebScriptObjectValues& ahead, const std::function<void(const id&)>& visit);
-    /// The compiled reader for that sequence, or null for want of memory.
-    const ScriptElementHelper* elementHelper(const ScriptKeySequence& sequence);
+    void visitElement(JSValueRef element, ScriptValuesAhead& ahead, const std::function<void(const id&)>& visit);
 
     /// Writes an exception to the page's console as an error.
     void reportException(JSValueRef exception);
@@ -82,6 +71,11 @@ public:
     void releaseSlot(unsigned slot);
     /// `Object.defineProperty` as the page found it.
     JSObjectRef definePropertyFunction() const { return _defineProperty; }
+    /// Shortcuts through compiled script. The context is alive.
+    ScriptHelpers& helpers() { return _helpers; }
+    /// The function that a source text (a constant of the program) stands for, compiled in the page at the first call
+    /// and kept; null when the page cannot compile it. It sees nothing of the page but what it is called with.
+    JSObjectRef helperFunction(const char* source);
     /// Live contexts of the process, for tests.
     static size_t liveContexts();
 
@@ -100,7 +94,11 @@ private:
     std::shared_ptr<WebScriptObject> scriptObject(JSObjectRef object, bool isArgument);
     std::shared_ptr<NSObject> unwrap(JSObjectRef object);
     JSValueRef wrap(const std::shared_ptr<NSObject>& object);
-    void refresh(NSObject& object, JSObjectRef script);
+    struct ValueClass;
+    /// Defines a property that is not enumerable.
+    void defineHidden(JSObjectRef object, JSValueRef key, JSValueRef value);
+    const ValueClass& valueClassOf(const NSObject& object);
+    void refresh(NSObject& object, JSObjectRef script, const ValueClass& cls);
     bool hasToSettle(size_t firstArgument, size_t firstWrapper) const {
         return _arguments.size() > firstArgument || _recentWrappers.size() > firstWrapper || !_keptWrappers.empty();
     }
@@ -118,6 +116,10 @@ private:
     JSObjectRef _defineProperty = nullptr; // kept
     JSObjectRef _console = nullptr;        // kept; may be null
     JSObjectRef _consoleError = nullptr;   // kept; may be null
+    JSValueRef _toStringTag = nullptr;     // the symbol, which lives as long as the engine; may be null
+    std::vector<std::shared_ptr<const ValueClass>> _valueClasses;
+    ScriptHelpers _helpers{*this};
+    std::unordered_map<const char*, JSObjectRef> _helperFunctions; // by source; kept
     unsigned _nextSlot = 0;
     std::vector<unsigned> _freeSlots;
 
@@ -125,7 +127,6 @@ private:
     std::vector<std::shared_ptr<WebScriptObject>> _arguments;                 // of the calls that are running
     std::vector<Wrapper> _recentWrappers;                                     // value objects of the running calls
     std::vector<Wrapper> _keptWrappers; // value objects that native code holds on to, each in a slot
-    std::unordered_map<const ScriptKeySequence*, ScriptElementHelper> _elementHelpers; // their functions are kept
     std::vector<std::function<void()>> _deathHandlers;
 
     std::mutex _releasedMutex;

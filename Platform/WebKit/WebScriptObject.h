@@ -10,16 +10,6 @@
 
 namespace veyra {
 
-/// Values of an object's keys that have been read already.
-class WebScriptObjectValues {
-public:
-    /// The value of the next key, when that is this one; nothing when the key has to be read.
-    virtual std::optional<id> take(const NSString& key) = 0;
-
-protected:
-    ~WebScriptObjectValues() = default;
-};
-
 class WebScriptObject final : public NSObject {
 public:
     VEYRA_CLASS()
@@ -47,14 +37,15 @@ public:
 
 private:
     friend class ScriptContext;
+    friend class ScriptReadAhead;
     WebScriptObject(std::shared_ptr<ScriptContext> context, JSObjectRef object)
         : _context(std::move(context)), _object(object) {}
     void report(JSValueRef exception) const;
 
     const std::shared_ptr<ScriptContext> _context;
     JSObjectRef const _object;
-    WebScriptObjectValues* _ahead = nullptr; // while an element of an array is visited; web thread
     std::optional<unsigned> _slot;           // none while only the running call's arguments keep the object; web thread
+    ScriptValuesAhead* _readAhead = nullptr; // that answers reads just now; web thread
 };
 
 } // namespace veyra

@@ -24,9 +24,22 @@ enum class BasemapLayer : std::uint8_t {
     Lakes = 2,     // areas: inland water (the Caspian Sea too), its islands cut out
     LakeShore = 3, // lines: where a lake meets its shore or an island
     Borders = 4,   // lines: between two countries, on land and across lakes, never along the coast
+    // Lines: rivers, from the great ones of the world to small ones; each river is in one of these layers.
+    GreatRivers = 5,
+    LargeRivers = 6,
+    MediumRivers = 7,
+    SmallRivers = 8,
+    StateLines = 9,       // lines: between the states of large countries
+    ProvinceLines = 10,   // lines: between the provinces of the others
+    DisputedBorders = 11, // lines: like Borders, where the two countries do not agree on them
 };
 
-inline constexpr std::size_t basemapLayerCount = 5;
+inline constexpr std::size_t basemapLayerCount = 12;
+
+// Whether a layer's shapes are lines that the file stores as such.
+constexpr bool isStoredAsLines(BasemapLayer layer) {
+    return layer >= BasemapLayer::Borders;
+}
 
 // One vertex, in map points.
 struct BasemapPoint {

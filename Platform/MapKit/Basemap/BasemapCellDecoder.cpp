@@ -90,7 +90,7 @@ BasemapCell BasemapCellDecoder::decode(std::span<const unsigned char> bytes, boo
         if (!shapes.isEmpty()) {
             fail("a layer is there twice");
         }
-        const bool isLines = layer == BasemapLayer::Borders;
+        const bool isLines = isStoredAsLines(layer);
         readSection(shapes, isLines ? 2 : 3, isLines ? _cell.bounds : _cell.fillBounds);
     }
     if (!isAllLand) {

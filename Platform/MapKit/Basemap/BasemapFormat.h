@@ -39,4 +39,25 @@ inline constexpr std::uint64_t maximumCellLength = std::uint64_t{64} << 20;
 
 inline constexpr std::uint32_t allLandFlag = 1;
 
+// The file of names.
+inline constexpr std::array<unsigned char, 8> namesMagic = {0x89, 'V', 'B', 'N', '\r', '\n', 0x1a, '\n'};
+inline constexpr std::uint32_t namesVersion = 1;
+inline constexpr std::size_t namesVersionOffset = 12; // also the first byte that the checksum covers
+inline constexpr std::size_t namesLengthOffset = 16;
+inline constexpr std::size_t namesHeaderLength = 20;
+inline constexpr std::uint32_t capitalFlag = 1;
+inline constexpr std::uint32_t largestNameSize = 3;
+
+// The file of pictures.
+inline constexpr std::array<unsigned char, 8> imageryMagic = {0x89, 'V', 'B', 'I', '\r', '\n', 0x1a, '\n'};
+inline constexpr std::uint16_t imageryVersion = 1;
+inline constexpr std::size_t imageryVersionOffset = 12; // also the first byte that the checksum covers
+inline constexpr std::size_t imageryLevelCountOffset = 14;
+inline constexpr std::size_t imageryTileSideOffset = 16;
+inline constexpr std::size_t imageryFileLengthOffset = 20;
+inline constexpr std::size_t imageryAttributionLengthOffset = 24;
+inline constexpr std::size_t imageryHeaderLength = 28;
+inline constexpr std::size_t imageryEntryLength = 8;
+inline constexpr std::uint32_t maximumImageryLevels = 10;
+
 } // namespace veyra::basemapFormat

@@ -3,6 +3,9 @@
 #include "Tests/Support/Picture.h"
 
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKLabelWriter.h"
+
+#include <cmath>
 
 namespace veyra {
 
@@ -10,9 +13,12 @@ namespace {
 
 struct Picture {
     const char* name;
-    MKCoordinateRegion region;
+    CGSize size; // pixels
+    double zoom; // the world is 256 * 2^zoom points wide
+    CLLocationCoordinate2D center;
     double scale = 1;
     MKMapType type = MKMapTypeStandard;
+    UIUserInterfaceStyle style = UIUserInterfaceStyleLight;
 };
 
 void PrintTo(const Picture& picture, std::ostream* out) {
@@ -24,26 +30,38 @@ protected:
     ExpectedPicture() { map->setTileSource(MKBasemapSource::shared()); }
 };
 
+constexpr CGSize large{768, 512}, usual{512, 384};
+constexpr UIUserInterfaceStyle dark = UIUserInterfaceStyleDark;
+
 const Picture pictures[] = {
-    {"world", {{0, 0}, {180, 360}}},
-    {"world-across-the-antimeridian", {{0, 180}, {180, 360}}},
-    {"europe", {{50, 12}, {32, 32}}},
-    {"alps-fractional-zoom", {{46.5, 9.3}, {5.7, 5.7}}},
-    {"aegean-scale-2", {{37.9, 25.1}, {3.1, 3.1}}, 2},
-    {"fiji-across-the-antimeridian", {{-17.4, 179.6}, {5, 5}}},
-    {"antarctica", {{-78, 40}, {12, 60}}},
-    {"great-lakes-satellite", {{44.5, -84}, {12, 12}}, 1, MKMapTypeSatellite},
-    {"japan-hybrid", {{37, 138}, {14, 14}}, 1, MKMapTypeHybrid},
+    {"world", large, 1, {20, 10}},
+    {"world-across-the-antimeridian", large, 1, {20, 180}},
+    {"world-dark", usual, 2, {25, 60}, 1, MKMapTypeStandard, dark},
+    {"world-satellite", usual, 1, {20, 10}, 1, MKMapTypeSatellite},
+    {"europe", large, 4, {50, 12}},
+    {"africa-hybrid", usual, 3, {2, 22}, 1, MKMapTypeHybrid},
+    {"alps-fractional-zoom", usual, 6.37, {46.5, 9.3}},
+    {"aegean-scale-2", large, 6, {37.9, 25.1}, 2},
+    {"kashmir-dark", usual, 6, {34, 75.5}, 1, MKMapTypeStandard, dark},
+    {"fiji-across-the-antimeridian", usual, 6, {-17.4, 179.6}},
+    {"antarctica", usual, 3, {-78, 40}},
+    {"great-lakes-satellite", usual, 4.6, {44.5, -84}, 1, MKMapTypeSatellite},
+    {"japan-hybrid", usual, 5, {37, 138}, 1, MKMapTypeHybrid},
+    {"kenya-far-in", usual, 8, {-1.3, 36.8}},
+    {"venice-satellite-far-in", usual, 10, {45.4, 12.4}, 1, MKMapTypeSatellite},
+    {"svalbard-hybrid-scale-2", usual, 4, {78.5, 16}, 2, MKMapTypeHybrid},
 };
 
 } // namespace
 
 TEST_P(ExpectedPicture, IsDrawn) {
     const Picture& picture = GetParam();
-    const double side = 512 / picture.scale; // each picture has 512 × 512 pixels
-    show({side, side}, picture.scale);
+    MKLabelWriter::setFontFamily("DejaVu Sans");
+    const CGSize points{picture.size.width / picture.scale, picture.size.height / picture.scale};
+    show(points, picture.scale);
+    window->setUserInterfaceStyle(picture.style);
     map->setMapType(picture.type);
-    map->setRegion(picture.region);
+    map->setRegion({picture.center, {0.0001, 360 * points.width / (256 * std::exp2(picture.zoom))}});
     settle();
     EXPECT_TRUE(looksLike(picture.name, window->surface()));
 }

@@ -6,13 +6,29 @@
 
 #include <cairo.h>
 
+#include <algorithm>
+#include <cmath>
+#include <set>
+
 namespace veyra {
 
 namespace {
 
+// The built-in world without its names, which would cover what is looked at.
+class NamelessWorld final : public MKTileSource {
+public:
+    std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const override {
+        return MKBasemapSource::shared()->drawTile(key);
+    }
+    MKTileColor backgroundColor(MKMapType mapType) const override {
+        return MKBasemapSource::shared()->backgroundColor(mapType);
+    }
+    bool hasDarkPicture() const override { return true; }
+};
+
 class MKMapViewPicture : public MapTest {
 protected:
-    MKMapViewPicture() { map->setTileSource(MKBasemapSource::shared()); }
+    MKMapViewPicture() { map->setTileSource(std::make_shared<NamelessWorld>()); }
     const MKBasemapStyle& style = MKBasemapStyle::forMapType(MKMapTypeStandard);
 };
 
@@ -105,13 +121,57 @@ TEST_F(MKMapViewPicture, IsTheSameWhetherPannedToOrSetAtOnce) {
     EXPECT_EQ(different, 0u);
 }
 
-TEST_F(MKMapViewPicture, EachMapTypeHasItsColours) {
+TEST_F(MKMapViewPicture, TheStandardMapHasOtherColoursInTheDark) {
     show({400, 300});
-    for (const MKMapType type : {MKMapTypeStandard, MKMapTypeSatellite, MKMapTypeHybrid}) {
+    EXPECT_EQ(pixelAt({22, 5}), style.land);
+    window->setUserInterfaceStyle(UIUserInterfaceStyleDark);
+    settle();
+    const MKBasemapStyle& dark = MKBasemapStyle::forMapType(MKMapTypeStandard, UIUserInterfaceStyleDark);
+    EXPECT_NE(dark.land, style.land);
+    EXPECT_EQ(pixelAt({22, 5}), dark.land);
+    EXPECT_EQ(pixelAt({5, -150}), dark.sea);
+    window->setUserInterfaceStyle(UIUserInterfaceStyleUnspecified);
+    settle();
+    EXPECT_EQ(pixelAt({22, 5}), style.land);
+}
+
+TEST_F(MKMapViewPicture, SatelliteAndHybridShowThePlanetFromAbove) {
+    show({400, 300});
+    for (const MKMapType type : {MKMapTypeSatellite, MKMapTypeHybrid}) {
         map->setMapType(type);
         settle();
-        EXPECT_EQ(pixelAt({22, 5}), MKBasemapStyle::forMapType(type).land);
-        EXPECT_EQ(pixelAt({5, -150}), MKBasemapStyle::forMapType(type).sea);
+        const auto part = [](uint32_t color, int shift) { return static_cast<int>(color >> shift & 255); };
+        const uint32_t sahara = pixelAt({22, 5}), pacific = pixelAt({5, -150}), greenland = pixelAt({73, -40}),
+                       congo = pixelAt({-2, 22});
+        EXPECT_GT(part(sahara, 16), 170);
+        EXPECT_GT(part(sahara, 16), part(sahara, 0) + 40);
+        EXPECT_LT(part(pacific, 16), 60);
+        EXPECT_GT(part(pacific, 0), part(pacific, 16) + 20);
+        EXPECT_GT(std::min({part(greenland, 16), part(greenland, 8), part(greenland, 0)}), 200);
+        EXPECT_GT(part(congo, 8), part(congo, 16));
+        EXPECT_GT(part(congo, 8), part(congo, 0));
+    }
+}
+
+// Where the pictures end they are enlarged: from one pixel to the next colours change little but at shores.
+TEST_F(MKMapViewPicture, SatelliteIsSmoothFarBeyondItsPictures) {
+    show({400, 300});
+    map->setMapType(MKMapTypeSatellite);
+    for (const auto& [span, step] : {std::pair{1.0, 6}, std::pair{0.1, 2}}) {
+        map->setRegion({{46.6, 9.5}, {span, span}});
+        settle();
+        std::set<uint32_t> colors;
+        for (int y = 1; y < 300; ++y) {
+            for (int x = 1; x < 400; ++x) {
+                colors.insert(pixelAt(x, y));
+                for (const int shift : {0, 8, 16}) {
+                    const auto part = [&](int px, int py) { return static_cast<int>(pixelAt(px, py) >> shift & 255); };
+                    ASSERT_LE(std::abs(part(x, y) - part(x - 1, y)), step) << x << ", " << y << " at " << span;
+                    ASSERT_LE(std::abs(part(x, y) - part(x, y - 1)), step) << x << ", " << y << " at " << span;
+                }
+            }
+        }
+        EXPECT_GT(colors.size(), 100u);
     }
 }
 

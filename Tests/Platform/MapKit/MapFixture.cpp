@@ -70,6 +70,7 @@ MapTest::MapTest()
       map(UIView::make<MKMapView>({{0, 0}, {1, 1}})), delegate(std::make_shared<RecordingDelegate>()) {
     static auto* const queue = new DispatchQueue(g_main_context_default(), "main");
     setMainQueue(queue);
+    map->setShowsAttribution(false); // pictures of the map are of the world alone
     map->setTileSource(source);
     map->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
     host->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);

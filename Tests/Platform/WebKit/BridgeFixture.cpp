@@ -25,11 +25,12 @@ constexpr const char* console =
 } // namespace
 
 Class Pair::classObject() {
-    static Class cls =
-        new ClassObject("Pair", NSObject::classObject(),
-                        {bindMethod<&Pair::first>("first"), bindMethod<&Pair::setFirst>("setFirst:"),
-                         bindMethod<&Pair::second>("second"), bindMethod<&Pair::setSecond>("setSecond:")},
-                        WebScripting{.isKeyExcludedFromWebScript = nothingExcluded});
+    static Class cls = new ClassObject(
+        "Pair", NSObject::classObject(),
+        {bindMethod<&Pair::first>("first"), bindMethod<&Pair::setFirst>("setFirst:"),
+         bindMethod<&Pair::second>("second"), bindMethod<&Pair::setSecond>("setSecond:")},
+        WebScripting{.isKeyExcludedFromWebScript = nothingExcluded,
+                     .makeValueObject = []() -> std::shared_ptr<NSObject> { return std::make_shared<Pair>(); }});
     return cls;
 }
 

@@ -1,0 +1,31 @@
+// Draws tiles from sets of images, one for each map type that has one; the other map types, and what the images leave
+// free, are those of another source. Any thread, several at once.
+#pragma once
+
+#include "Platform/MapKit/ImageTiles/MKImageSet.h"
+#include "Platform/MapKit/ImageTiles/MKTileImages.h"
+#include "Platform/MapKit/MKTile.h"
+
+#include <map>
+
+namespace veyra {
+
+class MKImageTileSource final : public MKTileSource {
+public:
+    using Sets = std::map<MKMapType, std::shared_ptr<const MKImageSet>>;
+
+    MKImageTileSource(Sets sets, std::shared_ptr<const MKTileSource> world);
+
+    std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const override;
+    std::shared_ptr<const MKTile> drawTileFromImages(const MKTileKey& key, const MKTileImages& images) const override;
+    MKTileColor backgroundColor(MKMapType mapType) const override;
+    std::shared_ptr<const MKImageSet> imageSet(MKMapType mapType) const override;
+    std::vector<MKImageKey> imagesFor(const MKTileKey& key) const override;
+    MKTileAttribution attribution(MKMapType mapType) const override;
+
+private:
+    const Sets _sets;
+    const std::shared_ptr<const MKTileSource> _world;
+};
+
+} // namespace veyra

@@ -1,0 +1,70 @@
+// What stands on the map without belonging to the world: the scale bar and whose data are shown.
+#include "Platform/MapKit/MKAttributionView.h"
+#include "Platform/MapKit/MKMapView.h"
+#include "Platform/MapKit/MKScaleBar.h"
+#include "Platform/MapKit/MKTileLayer.h"
+#include "Platform/UIKit/UIWindow.h"
+
+#include <algorithm>
+
+namespace veyra {
+
+namespace {
+
+constexpr double furnitureMargin = 6;                        // points, to the map's edges
+constexpr double longestScaleBar = 120;                      // points
+constexpr double leastWidthForScale = 160, leastHeight = 80; // points; of a map with a scale bar
+
+} // namespace
+
+void MKMapView::addFurniture() {
+    _scaleBar = UIView::make<MKScaleBar>({{0, 0}, {0, 0}});
+    _attributionView = UIView::make<MKAttributionView>({{0, 0}, {0, 0}});
+    _scaleBar->setHidden(true);
+    _attributionView->setHidden(true);
+    // Under everything else that is added to the map.
+    insertSubviewAtIndex(_scaleBar, 0);
+    insertSubviewAtIndex(_attributionView, 0);
+}
+
+void MKMapView::setShowsScale(bool shows) {
+    _showsScale = shows;
+    layOutFurniture();
+}
+
+void MKMapView::setShowsAttribution(bool shows) {
+    _showsAttribution = shows;
+    layOutFurniture();
+}
+
+void MKMapView::layOutFurniture() {
+    if (!hasLayout()) {
+        return;
+    }
+    const bool hasScale = _showsScale && _viewSize.width >= leastWidthForScale && _viewSize.height >= leastHeight;
+    _scaleBar->setHidden(!hasScale);
+    if (hasScale) {
+        const double metersPerPoint =
+            MKMetersPerMapPointAtLatitude(MKCoordinateForMapPoint(_camera.center).latitude) / _camera.scale;
+        _scaleBar->setScale(MKScale::fitting(metersPerPoint, std::min(longestScaleBar, _viewSize.width / 4)));
+        _scaleBar->setFrame(
+            {{furnitureMargin, _viewSize.height - furnitureMargin - MKScaleBar::height}, _scaleBar->frame().size});
+    }
+    const double left = hasScale ? longestScaleBar + 3 * furnitureMargin : furnitureMargin;
+    _attributionView->setAttribution(_showsAttribution ? _tiles->source().attribution(_mapType) : MKTileAttribution(),
+                                     _viewSize.width - left - furnitureMargin);
+    const CGSize size = _attributionView->frame().size;
+    _attributionView->setFrame(
+        {{_viewSize.width - furnitureMargin - size.width, _viewSize.height - furnitureMargin - size.height}, size});
+    publishCaption();
+}
+
+// What is painted on the map is nothing to those who do not see it: the window tells them.
+void MKMapView::publishCaption() {
+    if (const auto window = this->window()) {
+        const MKTileAttribution& attribution = _attributionView->attribution();
+        window->setCaption({attribution.text, attribution.url});
+    }
+}
+
+} // namespace veyra

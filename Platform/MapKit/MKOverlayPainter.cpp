@@ -1,0 +1,102 @@
+#include "Platform/MapKit/MKOverlayPainter.h"
+
+#include "Platform/MapKit/MKPathPainter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+// A shape may run around the world many times; it is drawn on so many copies at most.
+constexpr int mostCopies = 64;
+
+bool meet(const MKPixelBox& a, const MKPixelBox& b) {
+    return a.minX < b.maxX && b.minX < a.maxX && a.minY < b.maxY && b.minY < a.maxY;
+}
+
+MKPixelBox boxOf(const PixelRect& rect) {
+    return {static_cast<double>(rect.x), static_cast<double>(rect.y), static_cast<double>(rect.maxX()),
+            static_cast<double>(rect.maxY())};
+}
+
+int wholePixel(double value) {
+    return static_cast<int>(std::clamp(value, -1e9, 1e9));
+}
+
+} // namespace
+
+MKPixelBox MKOverlayPainter::boxOf(const MKOverlayFigure& figure, int copy) const {
+    const MKPixelView& view = _scene.view;
+    const MKMapRect& bounds = figure.bounds();
+    const double left = view.worldLeft(copy), scale = view.scale;
+    const double reach = MKPathPainter::reachOf(figure.style(), figure.lineWidth(scale, _scene.deviceScale)) + 1;
+    return MKPixelBox{MKMapRectGetMinX(bounds) * scale + left, MKMapRectGetMinY(bounds) * scale - view.top,
+                      MKMapRectGetMaxX(bounds) * scale + left, MKMapRectGetMaxY(bounds) * scale - view.top}
+        .outset(reach);
+}
+
+MKOverlayPainter::Copies MKOverlayPainter::copiesOf(const MKOverlayFigure& figure, const MKPixelBox& area) const {
+    const MKPixelBox box = boxOf(figure, 0);
+    const double world = MKWorldSide * _scene.view.scale;
+    // One more on either side makes up for the rounding of the copies' places.
+    const double first = std::floor((area.minX - box.maxX) / world), last = std::ceil((area.maxX - box.minX) / world);
+    return {static_cast<int>(std::max(first, -mostCopies / 2.0)), static_cast<int>(std::min(last, mostCopies / 2.0))};
+}
+
+PixelRect MKOverlayPainter::extent() const {
+    const PixelRect whole{0, 0, _scene.view.width, _scene.view.height};
+    const MKPixelBox area = veyra::boxOf(whole);
+    MKPixelBox all{area.maxX, area.maxY, area.minX, area.minY};
+    for (const auto& figure : *_scene.figures) {
+        const Copies copies = copiesOf(*figure, area);
+        for (int copy = copies.first; copy <= copies.last; ++copy) {
+            const MKPixelBox box = boxOf(*figure, copy);
+            if (meet(box, area)) {
+                all = {std::min(all.minX, box.minX), std::min(all.minY, box.minY), std::max(all.maxX, box.maxX),
+                       std::max(all.maxY, box.maxY)};
+            }
+        }
+    }
+    if (all.minX >= all.maxX) {
+        return {};
+    }
+    const int left = wholePixel(std::floor(std::max(all.minX, area.minX)));
+    const int top = wholePixel(std::floor(std::max(all.minY, area.minY)));
+    return {left, top, wholePixel(std::ceil(std::min(all.maxX, area.maxX))) - left,
+            wholePixel(std::ceil(std::min(all.maxY, area.maxY))) - top};
+}
+
+void MKOverlayPainter::draw(cairo_t* cairo, const PixelRect& area, size_t first) {
+    const MKPixelBox box = veyra::boxOf(area);
+    cairo_save(cairo);
+    cairo_rectangle(cairo, area.x, area.y, area.width, area.height);
+    cairo_clip(cairo);
+    MKPathPainter painter(cairo, box);
+    for (size_t i = first; i < _scene.figures->size(); ++i) {
+        const MKOverlayFigure& figure = *(*_scene.figures)[i];
+        const MKPathStyle& style = figure.style();
+        const double width = figure.lineWidth(_scene.view.scale, _scene.deviceScale);
+        const Copies copies = copiesOf(figure, box);
+        for (int copy = copies.first; copy <= copies.last; ++copy) {
+            if (!meet(boxOf(figure, copy), box)) {
+                continue;
+            }
+            _outline.clear();
+            figure.trace({.scale = _scene.view.scale,
+                          .left = _scene.view.worldLeft(copy),
+                          .top = -_scene.view.top,
+                          .area = box.outset(MKPathPainter::reachOf(style, width) + 2),
+                          .wantsLengths = !style.dashes.empty()},
+                         _outline);
+            if (style.fill) {
+                painter.fill(_outline, *style.fill);
+            }
+            painter.stroke(_outline, style, width, _scene.deviceScale);
+        }
+    }
+    cairo_restore(cairo);
+}
+
+} // namespace veyra

@@ -1,0 +1,83 @@
+// A server of tile images on a loopback address, with the address "/ZOOM/COLUMN/ROW.png" for each. Every answer is what
+// the test's function says; the server counts what is asked for and how often it is left before it has answered. Its
+// own threads; every method may be called on any thread.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace veyra::test {
+
+struct TileRequest {
+    int zoom = 0, column = 0, row = 0;
+    std::string path;
+    std::string head; ///< request line and header fields
+
+    /// The value of a header field, or "".
+    std::string field(const std::string& name) const;
+};
+
+struct TileAnswer {
+    std::string status = "200 OK";
+    std::string body;
+    std::string fields;  ///< further header fields, each with its CRLF
+    double delay = 0;    ///< seconds before the first byte
+    bool resets = false; ///< the connection is broken instead of answered
+    long announced = -1; ///< length that is announced; below 0: that of the body
+};
+
+class TileServer {
+public:
+    using Handler = std::function<TileAnswer(const TileRequest&)>;
+
+    explicit TileServer(Handler handler);
+    ~TileServer();
+    TileServer(const TileServer&) = delete;
+    TileServer& operator=(const TileServer&) = delete;
+
+    /// Replaces what later requests are answered with.
+    void setHandler(Handler handler);
+    /// "http://127.0.0.1:PORT".
+    std::string origin() const { return "http://127.0.0.1:" + std::to_string(_port); }
+    /// The pattern of the tiles' addresses.
+    std::string pattern() const { return origin() + "/{z}/{x}/{y}.png"; }
+
+    std::vector<TileRequest> requests() const;
+    size_t count() const { return requests().size(); }
+    size_t countOfZoom(int zoom) const;
+    void forgetRequests();
+    /// The most requests that were being answered at one time.
+    int mostAtOnce() const { return _mostAtOnce; }
+    /// Requests that the other side left before they were answered.
+    int abandoned() const { return _abandoned; }
+
+private:
+    void run();
+    void serve(int connection);
+    bool isLeft(int connection, double seconds);
+    void answer(int connection, const TileRequest& request);
+
+    const int _socket;
+    unsigned _port = 0;
+    std::atomic<bool> _stopping{false};
+    std::atomic<int> _atOnce{0}, _mostAtOnce{0}, _abandoned{0};
+    mutable std::mutex _mutex;
+    Handler _handler;                   // guarded by _mutex
+    std::vector<TileRequest> _requests; // guarded by _mutex
+    std::vector<std::thread> _connections;
+    std::thread _thread;
+};
+
+/// The colour of a tile in the images below, 0x00RRGGBB: one for each tile of the first zooms.
+uint32_t tileColor(int zoom, int column, int row);
+/// A picture of one colour: "png", "jpeg" or "webp".
+std::string pictureOf(uint32_t color, int side = 256, const char* format = "png");
+/// An opaque PNG of a tile's colour.
+TileAnswer coloredTile(const TileRequest& request);
+
+} // namespace veyra::test

@@ -103,7 +103,7 @@ JSStringRef ScriptContext::keyString(const NSString& key) {
     return entry->second;
 }
 
-void ScriptContext::visitElement(JSValueRef element, WebScriptObjectValues& ahead,
+void ScriptContext::visitElement(JSValueRef element, ScriptValuesAhead& ahead,
                                  const std::function<void(const id&)>& visit) {
     struct Settling {
         ~Settling() { context.settle(firstArgument, firstWrapper); }
@@ -117,10 +117,10 @@ void ScriptContext::visitElement(JSValueRef element, WebScriptObjectValues& ahea
         return;
     }
     struct Reading {
-        ~Reading() { object._ahead = former; }
+        ~Reading() { object._readAhead = former; }
         WebScriptObject& object;
-        WebScriptObjectValues* const former;
-    } const reading{*script, std::exchange(script->_ahead, &ahead)};
+        ScriptValuesAhead* const former;
+    } const reading{*script, std::exchange(script->_readAhead, &ahead)};
     visit(native);
 }
 

@@ -19,16 +19,6 @@
 namespace veyra {
 
 class WebScriptObject;
-class WebScriptObjectValues;
-struct ScriptKeySequence;
-
-/// A function of the page's engine that reads keys; see ScriptElementReader.h. The arrays live as long as it.
-struct ScriptElementHelper {
-    JSObjectRef function = nullptr;
-    const uint8_t* kinds = nullptr;
-    const double* numbers = nullptr;
-};
-
 class ScriptContext : public std::enable_shared_from_this<ScriptContext> {
 public:
     /// The context of `globalContext`, made at the first call. `keeper` (of the same engine group) may be null; it is
@@ -68,9 +58,7 @@ public:
 
     /// Calls `visit` with an element that the caller's stack keeps alive meanwhile; what has been read of it ahead is
     /// what its keys answer. Afterwards it is kept only if native code holds it.
-    void visitElement(JSValueRef element, WebScriptObjectValues& ahead, const std::function<void(const id&)>& visit);
-    /// The compiled reader for that sequence, or null for want of memory.
-    const ScriptElementHelper* elementHelper(const ScriptKeySequence& sequence);
+    void visitElement(JSValueRef element, ScriptValuesAhead& ahead, const std::function<void(const id&)>& visit);
 
     /// Writes an exception to the page's console as an error.
     void reportException(JSValueRef exception);
@@ -139,7 +127,6 @@ private:
     std::vector<std::shared_ptr<WebScriptObject>> _arguments;                 // of the calls that are running
     std::vector<Wrapper> _recentWrappers;                                     // value objects of the running calls
     std::vector<Wrapper> _keptWrappers; // value objects that native code holds on to, each in a slot
-    std::unordered_map<const ScriptKeySequence*, ScriptElementHelper> _elementHelpers; // their functions are kept
     std::vector<std::function<void()>> _deathHandlers;
 
     std::mutex _releasedMutex;

@@ -26,18 +26,21 @@ void WebScriptObject::report(JSValueRef exception) const {
 id WebScriptObject::valueForKey(const NSString& key) {
     if (!scriptObject())
         return id();
-    if (_ahead)
-        if (const auto value = _ahead->take(key))
-            return value->isUndefined() ? valueForUndefinedKey(key) : *value;
     const auto self = shared_from_this(); // a getter may drop what holds this object
     JSValueRef exception = nullptr;
     JSValueRef value = nullptr;
-    ScriptReadAhead::Kind kind{};
+    ScriptValuesAhead::Kind kind{};
     double number = 0;
     if (_readAhead && _readAhead->next(key, kind, number, value)) {
-        if (kind == ScriptReadAhead::Kind::Number)
+        if (kind == ScriptValuesAhead::Kind::Number)
             return id(number);
-        if (kind == ScriptReadAhead::Kind::Exception)
+        if (kind == ScriptValuesAhead::Kind::Boolean)
+            return id(number != 0);
+        if (kind == ScriptValuesAhead::Kind::Nil)
+            return id();
+        if (kind == ScriptValuesAhead::Kind::Nothing)
+            return valueForUndefinedKey(key);
+        if (kind == ScriptValuesAhead::Kind::Exception)
             exception = value;
     } else {
         value = JSObjectGetProperty(_context->_context, _object, ScriptContext::keyString(key), &exception);

@@ -10,16 +10,6 @@
 
 namespace veyra {
 
-/// Values of an object's keys that have been read already.
-class WebScriptObjectValues {
-public:
-    /// The value of the next key, when that is this one; nothing when the key has to be read.
-    virtual std::optional<id> take(const NSString& key) = 0;
-
-protected:
-    ~WebScriptObjectValues() = default;
-};
-
 class WebScriptObject final : public NSObject {
 public:
     VEYRA_CLASS()
@@ -55,8 +45,7 @@ private:
     const std::shared_ptr<ScriptContext> _context;
     JSObjectRef const _object;
     std::optional<unsigned> _slot;           // none while only the running call's arguments keep the object; web thread
-    ScriptReadAhead* _readAhead = nullptr;   // that answers reads just now; web thread
-    WebScriptObjectValues* _ahead = nullptr; // while an element of an array is visited; web thread
+    ScriptValuesAhead* _readAhead = nullptr; // that answers reads just now; web thread
 };
 
 } // namespace veyra

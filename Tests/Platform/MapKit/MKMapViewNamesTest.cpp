@@ -162,7 +162,8 @@ TEST(BuiltInSource, SaysWhichFileAndWhichTileIsBroken) {
             }
         }
         put(8, ~crc);
-        bytes.insert(bytes.end(), file.begin(), file.end());
+        bytes.resize(36 + file.size());
+        std::copy(file.begin(), file.end(), bytes.begin() + 36);
         return bytes;
     }();
     const auto open = []() -> const BasemapImagery& {

@@ -1,6 +1,7 @@
 // Milliseconds of the map's frames at 1024 x 768 points: the first complete picture, a frame of a pan, a frame of a
 // zoom. The argument is the display's scale.
 #include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/MapKit/MKLabelArt.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKTileLoader.h"
 #include "Platform/UIKit/UIWindow.h"
@@ -56,6 +57,32 @@ FIRST_FRAME(alps, alps, MKMapTypeStandard);
 FIRST_FRAME(worldHybrid, world, MKMapTypeHybrid);
 FIRST_FRAME(europeHybrid, europe, MKMapTypeHybrid);
 FIRST_FRAME(alpsHybrid, alps, MKMapTypeHybrid);
+
+// Where the names of a large part of the world go, and their pictures, for the first time.
+void firstNames(benchmark::State& state) {
+    for (auto _ : state) {
+        MKLabelLayout layout(builtInNames());
+        for (size_t i = 0; i < 400; ++i) {
+            benchmark::DoNotOptimize(layout.settled(i));
+        }
+    }
+}
+BENCHMARK(firstNames)->Unit(benchmark::kMillisecond);
+
+void drawNames(benchmark::State& state) {
+    MKLabelLayout& layout = MKLabelLayout::shared(builtInNames());
+    double scale = static_cast<double>(state.range(0));
+    for (auto _ : state) {
+        scale += 1e-6; // another picture
+        for (size_t i = 0; i < 100; ++i) {
+            MKLabelArtCache& cache = MKLabelArtCache::shared();
+            benchmark::DoNotOptimize(
+                cache.draw({.names = &builtInNames(), .index = i, .scale = scale}, layout.settled(i)));
+            cache.trim(cache.useCount());
+        }
+    }
+}
+BENCHMARK(drawNames)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 // A finger that moves to and fro by 8 points a frame over tiles that are held.
 void panFrame(benchmark::State& state) {

@@ -67,6 +67,14 @@ void FramePresenter::start() {
                 }
             });
         });
+        window->setAccessibilityHandler([weak](const UIAccessibilityState& state) {
+            webThread().async([weak, state] {
+                if (const auto self = weak.lock()) {
+                    self->_newAccessibilityState = state;
+                    self->advance();
+                }
+            });
+        });
         window->setOpenURLHandler([weak](const std::string&) {
             webThread().async([weak] {
                 if (const auto self = weak.lock(); self && self->isShown())
@@ -80,7 +88,7 @@ void FramePresenter::stop() {
     _surface.detach();
 }
 
-void FramePresenter::layOut(CGSize size, double scale, bool isVisible) {
+void FramePresenter::layOut(CGSize size, double scale, bool isVisible, UIUserInterfaceStyle style) {
     if (size != _size || scale != _scale) {
         _size = size;
         _scale = scale;
@@ -92,11 +100,16 @@ void FramePresenter::layOut(CGSize size, double scale, bool isVisible) {
         _isWanted = true;
         dispatch_async(dispatch_get_main_queue(), [window = _window, isVisible] { window->setVisible(isVisible); });
     }
+    if (style != _style) {
+        _style = style;
+        _isWanted = true;
+        dispatch_async(dispatch_get_main_queue(), [window = _window, style] { window->setUserInterfaceStyle(style); });
+    }
     advance();
 }
 
 void FramePresenter::suspend() {
-    layOut(_size, _scale, false);
+    layOut(_size, _scale, false, _style);
 }
 
 void FramePresenter::frameWanted() {
@@ -109,6 +122,9 @@ void FramePresenter::advance() {
         if (_newCaption)
             _surface.setCaption(_newCaption->text, _newCaption->url);
         _newCaption.reset();
+        if (_newAccessibilityState)
+            _surface.setAccessibilityState(*_newAccessibilityState);
+        _newAccessibilityState.reset();
         if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
             startDrawing();
         if ((_isDrawing || _isReady) && !_isFrameRequested) {

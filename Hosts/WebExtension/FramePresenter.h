@@ -23,8 +23,9 @@ public:
     /// No frame is asked for or put from now on.
     void stop();
 
-    /// The size in points, the device pixels a point, and whether anybody can see the map.
-    void layOut(CGSize size, double scale, bool isVisible);
+    /// The size in points, the device pixels a point, whether anybody can see the map, and whether the page's
+    /// surroundings are dark.
+    void layOut(CGSize size, double scale, bool isVisible, UIUserInterfaceStyle style);
     /// The page is hidden, and may be collected: its script is not called until the next layout that is visible.
     void suspend();
     /// The page is shown again; an animation frame that it was asked for may have been lost.
@@ -51,11 +52,13 @@ private:
     const std::shared_ptr<UIWindow> _window; // main queue only
     const std::function<void()> _settled;
     SurfaceScript _surface;
-    std::shared_ptr<PixelBuffers> _buffers; // main queue only
-    std::optional<UICaption> _newCaption; // that the page has not been given
+    std::shared_ptr<PixelBuffers> _buffers;                     // main queue only
+    std::optional<UICaption> _newCaption;                       // that the page has not been given
+    std::optional<UIAccessibilityState> _newAccessibilityState; // likewise
     CGSize _size;
     double _scale = 1;
     bool _isVisible = false;
+    UIUserInterfaceStyle _style = UIUserInterfaceStyleLight;
     bool _isWanted = false;
     bool _isDrawing = false;
     bool _isFrameRequested = false;

@@ -82,6 +82,15 @@ JSValueRef focus(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, c
     return JSValueMakeUndefined(context);
 }
 
+// act(handle, action): an action of UIAccessibilityAction.
+JSValueRef act(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+               JSValueRef*) {
+    const InputCall call(context, count, arguments);
+    if (call.map)
+        call.send(UIAccessibilityEvent{static_cast<UIAccessibilityAction>(call.number(1))});
+    return JSValueMakeUndefined(context);
+}
+
 } // namespace
 
 void defineInputFunctions(JSContextRef context, JSObjectRef host) {
@@ -90,6 +99,7 @@ void defineInputFunctions(JSContextRef context, JSObjectRef host) {
     defineFunction(context, host, "scroll", scroll);
     defineFunction(context, host, "key", key);
     defineFunction(context, host, "focus", focus);
+    defineFunction(context, host, "act", act);
 }
 
 } // namespace veyra

@@ -25,6 +25,7 @@
     const isShown = () => document.visibilityState === 'visible' && innerWidth > 0 && innerHeight > 0;
     const isEmpty = (rect) => rect === null || rect.width === 0 || rect.height === 0;
     const maps = new Map(); // by element
+    const darkScheme = matchMedia('(prefers-color-scheme: dark)');
     const unparsed = new Set(); // elements whose parameters the parser may still add
     let hidden = false;
 
@@ -93,6 +94,14 @@
             this.canvas = document.createElement('canvas');
             this.canvas.width = this.canvas.height = 0;
             this.canvas.tabIndex = 0;
+            this.canvas.setAttribute('role', 'application');
+            this.canvas.setAttribute('aria-label', element.getAttribute('aria-label') || element.title || 'Map');
+            this.caption = document.createElement('div');
+            this.status = document.createElement('div');
+            this.status.setAttribute('role', 'status');
+            this.elements = document.createElement('div');
+            this.actions = new Map(); // numbers to buttons, kept so that one that is read is not taken away
+            this.canvas.append(this.elements, this.status, this.caption);
             this.context = this.canvas.getContext('2d', { alpha: false, willReadFrequently: true });
 
             this.surface = document.createElement('veyra-surface');
@@ -178,7 +187,7 @@
         report() {
             if (this.isMeasured())
                 host.layOut(this.handle, this.rect.width, this.rect.height, devicePixelRatio,
-                    this.intersecting && !hidden && isShown());
+                    this.intersecting && !hidden && isShown(), darkScheme.matches);
         }
 
         requestFrame() {
@@ -227,12 +236,30 @@
                 caption.target = '_blank';
                 caption.rel = 'noopener noreferrer';
             }
-            this.canvas.replaceChildren(caption);
+            this.caption.replaceChildren(caption);
+        }
+
+        // Called by the native side: what has the focus in the map, then an element a line, the number of what it does in
+        // front of its label. The canvas' content is not painted, but read aloud and pressed by those who do not see it;
+        // the keyboard goes through the canvas itself.
+        setAccessibilityState(lines) {
+            const [status, ...elements] = lines.split('\n');
+            if (this.status.textContent !== status)
+                this.status.textContent = status;
+            const buttons = elements.map((element) => {
+                const button = this.actions.get(element[0]) ?? document.createElement('button');
+                this.actions.set(element[0], button);
+                button.tabIndex = -1;
+                button.textContent = element.slice(1);
+                button.onclick = () => host.act(this.handle, Number(element[0]));
+                return button;
+            });
+            this.elements.replaceChildren(...buttons);
         }
 
         // Likewise: the user has clicked where the text is painted.
         followCaption() {
-            this.canvas.firstElementChild?.click();
+            this.caption.firstElementChild?.click();
         }
 
         // `changes` is the image's index, then x, y, width and height of each rectangle.
@@ -390,6 +417,7 @@
             (!isShown() || [...maps.values()].every((map) => map.isUpToDate()));
     }
 
+    darkScheme.addEventListener('change', reportAll);
     onResolution();
     documentChanged();
     window[registryKey] = { find };

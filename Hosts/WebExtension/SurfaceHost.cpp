@@ -69,13 +69,15 @@ JSValueRef stop(JSContextRef context, JSObjectRef, JSObjectRef host, size_t coun
     return JSValueMakeUndefined(context);
 }
 
-// layOut(handle, width, height, scale, visible)
+// layOut(handle, width, height, scale, visible, dark)
 JSValueRef layOut(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
                   JSValueRef*) {
     const auto map = MapElement::fromHandle(context, count ? arguments[0] : nullptr);
-    if (map && count >= 5)
+    if (map && count >= 6)
         map->presenter().layOut({numberOf(context, arguments[1]), numberOf(context, arguments[2])},
-                                numberOf(context, arguments[3]), JSValueToBoolean(context, arguments[4]));
+                                numberOf(context, arguments[3]), JSValueToBoolean(context, arguments[4]),
+                                JSValueToBoolean(context, arguments[5]) ? UIUserInterfaceStyleDark
+                                                                        : UIUserInterfaceStyleLight);
     return JSValueMakeUndefined(context);
 }
 

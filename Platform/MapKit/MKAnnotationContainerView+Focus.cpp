@@ -5,6 +5,7 @@
 #include "Platform/MapKit/MKCalloutView.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/UIKit/UIButton.h"
+#include "Platform/UIKit/UIWindow.h"
 
 #include <cairo.h>
 
@@ -96,6 +97,9 @@ void MKAnnotationContainerView::publishKeys() {
             self->_publishQueued = false;
             if (const auto map = self->_map.lock()) {
                 map->publishInputPolicy();
+                if (const auto window = map->window()) {
+                    window->setAccessibilityState(self->accessibilityState());
+                }
             }
         }
     });

@@ -73,7 +73,7 @@ void MKAnnotationContainerView::bringViewsUpToDate() {
 void MKAnnotationContainerView::updateArea() {
     _area = areaAround(margin, marginPart);
     updateOrder();
-    for (const uint64_t key : std::vector<uint64_t>(_order)) {
+    for (const uint64_t key : _order) {
         const auto number = static_cast<uint32_t>(key);
         if (number != _selected && number != _dragged && !MKAnnotationStore::isIn(_area, _store[number].point)) {
             detach(number);

@@ -68,6 +68,7 @@ public:
     bool isIdle() const override;
     bool handleKey(const UIKeyEvent& event) override;
     void handleFocus(const UIFocusEvent& event) override;
+    void handleAccessibility(const UIAccessibilityEvent& event) override;
     /// Adds the keys that annotations use now.
     void addKeysTo(UIInputPolicy& policy);
     void layoutSubviews() override { placeCallout(); }
@@ -163,6 +164,10 @@ private:
     bool handleActivation(bool isSpace);
     bool handleArrow(const UIKeyEvent& event);
     void drawFocus(const UIGraphicsContext& context);
+
+    // For those who do not see: MKAnnotationContainerView+Accessibility.cpp
+    std::string labelOf(uint32_t number) const;
+    UIAccessibilityState accessibilityState();
 
     std::weak_ptr<MKMapView> _map;
     MKAnnotationStore _store;

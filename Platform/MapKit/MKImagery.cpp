@@ -79,8 +79,8 @@ private:
     cairo_surface_t* const _surface;
 };
 
-// Rows of a window of the pictures, four channels a pixel; the fourth is not touched. Beyond the poles the last row
-// goes on.
+// Rows of a window of the pictures, so many channels a pixel, of which the first three are filled. Beyond the poles the
+// last row goes on.
 class WindowReader {
 public:
     WindowReader(const BasemapImagery& imagery, MKPictureTiles& tiles, const Window& window)
@@ -125,18 +125,29 @@ private:
     std::map<int, std::shared_ptr<const MKPicture>> _held; // of that row, by column
 };
 
-// Eight channels: the colour, the share of land, the colour times that share, and one that is not used. Mixes colours
-// anew by other shares.
+// Eight channels: the colour of land times how surely the pixel tells it, and how surely; the same of water. A pixel
+// that is partly land tells little about either.
+void separate(float* pixel, float land) {
+    const float water = 1 - land;
+    const float asLand = land * land * land, asWater = water * water * water;
+    for (int channel = 0; channel < 3; ++channel) {
+        pixel[4 + channel] = pixel[channel] * asWater;
+        pixel[channel] *= asLand;
+    }
+    pixel[3] = asLand;
+    pixel[7] = asWater;
+}
+
+// Puts colours together anew by the shares of land.
 void mixRow(const float* parts, const uint8_t* shares, float* rgb) {
     for (int x = 0; x < MKTileKey::side; ++x) {
-        const float land = parts[3], water = 1 - land;
-        std::copy_n(parts, 3, rgb);
-        if (land > leastShare && water > leastShare) {
-            const float share = static_cast<float>(shares[x]) / 255;
-            for (int channel = 0; channel < 3; ++channel) {
-                rgb[channel] =
-                    share * parts[4 + channel] / land + (1 - share) * (parts[channel] - parts[4 + channel]) / water;
-            }
+        // Where there is next to nothing of one kind, everything takes part in the colour.
+        const bool isMixed = parts[3] > leastShare && parts[7] > leastShare;
+        const float share = static_cast<float>(shares[x]) / 255;
+        const float ofLand = isMixed ? share / parts[3] : 1 / (parts[3] + parts[7]);
+        const float ofWater = isMixed ? (1 - share) / parts[7] : ofLand;
+        for (int channel = 0; channel < 3; ++channel) {
+            rgb[channel] = ofLand * parts[channel] + ofWater * parts[4 + channel];
         }
         parts += 8;
         rgb += 3;
@@ -181,10 +192,7 @@ void MKImagery::draw(const MKTileKey& key, const BasemapFile& shapes, MKBasemapC
             [&](int y, float* row) {
                 reader.read(y, row, 8);
                 for (int x = 0; x < window.side; ++x, row += 8) {
-                    row[3] = static_cast<float>(landInSource.at(x, y)) / 255;
-                    row[4] = row[0] * row[3];
-                    row[5] = row[1] * row[3];
-                    row[6] = row[2] * row[3];
+                    separate(row, static_cast<float>(landInSource.at(x, y)) / 255);
                 }
             },
             [&](int y, const float* row) {

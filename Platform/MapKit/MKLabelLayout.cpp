@@ -15,7 +15,7 @@ constexpr double never = 1000;
 // A place that is not the best must let a name come so many zooms earlier.
 constexpr double worthMoving = 0.3;
 // By how much of the width of its land a name may move up or down.
-constexpr double mostOfExtent = 0.22;
+constexpr double mostOfExtent = 0.3;
 // Between a mark and its name, in points.
 constexpr double markGap = 2.5;
 
@@ -178,7 +178,7 @@ MKLabelLayout::Places MKLabelLayout::placesOf(const BasemapName& name) {
     }
     // A name upon its land may move up and down by its own height, where the land is large enough.
     Places places;
-    for (const double lines : {0.0, 1.0, -1.0, 2.0, -2.0}) {
+    for (const double lines : {0.0, 0.5, -0.5, 1.0, -1.0, 2.0, -2.0}) {
         MKSettledLabel& place = places.emplace_back(middle);
         const double moved = std::abs(lines) * (middle.text.back().bottom - middle.text.back().top);
         place.firstZoom = zoomAt(moved / (mostOfExtent * std::max(name.extent, 1)));

@@ -2,6 +2,8 @@
 
 #include <pango/pangocairo.h>
 
+#include <algorithm>
+
 namespace veyra {
 
 namespace {
@@ -17,6 +19,10 @@ void setColor(cairo_t* cairo, MKTileColor color, double opacity) {
 }
 
 } // namespace
+
+void MKLabelWriter::FreeDescription::operator()(PangoFontDescription* description) const {
+    pango_font_description_free(description);
+}
 
 void MKLabelWriter::Unref::operator()(void* object) const {
     g_object_unref(object);
@@ -46,20 +52,27 @@ MKLabelWriter::MKLabelWriter()
 
 MKLabelWriter::~MKLabelWriter() = default;
 
-void MKLabelWriter::prepare(std::string_view text, const MKLabelFont& font, double scale) {
-    PangoFontDescription* const description = pango_font_description_from_string(fontFamily().c_str());
+void MKLabelWriter::setFont(const MKLabelFont& font, double scale) {
+    if (!_description || _family != fontFamily()) {
+        _family = fontFamily();
+        _description.reset(pango_font_description_from_string(_family.c_str()));
+    }
+    PangoFontDescription* const description = _description.get();
     pango_font_description_set_absolute_size(description, font.size * scale * PANGO_SCALE);
     pango_font_description_set_weight(description, font.isBold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
     pango_font_description_set_style(description, font.isItalic ? PANGO_STYLE_OBLIQUE : PANGO_STYLE_NORMAL);
     pango_layout_set_font_description(_layout.get(), description);
-    pango_font_description_free(description);
-    PangoAttrList* const attributes = pango_attr_list_new();
-    if (font.letterSpacing > 0) {
+    PangoAttrList* const attributes = font.letterSpacing > 0 ? pango_attr_list_new() : nullptr;
+    if (attributes != nullptr) {
         pango_attr_list_insert(
             attributes, pango_attr_letter_spacing_new(static_cast<int>(font.letterSpacing * scale * PANGO_SCALE)));
     }
     pango_layout_set_attributes(_layout.get(), attributes);
     pango_attr_list_unref(attributes);
+}
+
+void MKLabelWriter::prepare(std::string_view text, const MKLabelFont& font, double scale) {
+    setFont(font, scale);
     if (font.isUpperCase) {
         gchar* const upper = g_utf8_strup(text.data(), static_cast<gssize>(text.size()));
         pango_layout_set_text(_layout.get(), upper, -1);
@@ -70,10 +83,26 @@ void MKLabelWriter::prepare(std::string_view text, const MKLabelFont& font, doub
 }
 
 CGSize MKLabelWriter::measure(std::string_view text, const MKLabelFont& font) {
-    prepare(text, font, 1);
-    int width = 0, height = 0;
-    pango_layout_get_size(_layout.get(), &width, &height);
-    return {static_cast<double>(width) / PANGO_SCALE, static_cast<double>(height) / PANGO_SCALE};
+    constexpr double measuredSize = 16;
+    const MKLabelFont plain{
+        .size = measuredSize, .isBold = font.isBold, .isItalic = font.isItalic, .isUpperCase = font.isUpperCase};
+    if (_measured.text != text || _measured.font != plain || _family != fontFamily()) {
+        prepare(text, plain, 1);
+        int width = 0, height = 0;
+        pango_layout_get_size(_layout.get(), &width, &height);
+        long longest = 0;
+        for (size_t start = 0; start <= text.size();) {
+            const size_t end = std::min(text.find('\n', start), text.size());
+            longest = std::max(longest, g_utf8_strlen(text.data() + start, static_cast<gssize>(end - start)));
+            start = end + 1;
+        }
+        _measured = {.text = std::string(text),
+                     .font = plain,
+                     .size = {width / measuredSize / PANGO_SCALE, height / measuredSize / PANGO_SCALE},
+                     .letters = static_cast<double>(longest)};
+    }
+    return {_measured.size.width * font.size + _measured.letters * font.letterSpacing,
+            _measured.size.height * font.size};
 }
 
 void MKLabelWriter::draw(cairo_t* cairo, double x, double y, std::string_view text, const MKLabelFont& font,
@@ -86,7 +115,12 @@ void MKLabelWriter::draw(cairo_t* cairo, double x, double y, std::string_view te
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
     cairo_set_line_width(cairo, 2 * colors.haloWidth * scale);
     setColor(cairo, colors.halo, colors.haloOpacity);
+    // The halo's edge is soft to the eye anyway.
+    cairo_set_antialias(cairo, CAIRO_ANTIALIAS_FAST);
+    cairo_set_tolerance(cairo, 0.4);
     cairo_stroke_preserve(cairo);
+    cairo_set_antialias(cairo, CAIRO_ANTIALIAS_DEFAULT);
+    cairo_set_tolerance(cairo, 0.1);
     setColor(cairo, colors.text, 1);
     cairo_fill(cairo);
 }

@@ -11,6 +11,7 @@
 #include <string_view>
 
 typedef struct _PangoContext PangoContext;
+typedef struct _PangoFontDescription PangoFontDescription;
 typedef struct _PangoLayout PangoLayout;
 
 namespace veyra {
@@ -34,11 +35,26 @@ public:
               const MKLabelColors& colors, double scale);
 
 private:
-    void prepare(std::string_view text, const MKLabelFont& font, double scale);
-
+    struct FreeDescription {
+        void operator()(PangoFontDescription* description) const;
+    };
     struct Unref {
         void operator()(void* object) const;
     };
+    /// A text at a size and with a spacing of one point, from which all others follow: letters are not hinted.
+    struct Measured {
+        std::string text;
+        MKLabelFont font; // but for the size and the spacing
+        CGSize size;
+        double letters = 0; // of the longest line
+    };
+    void prepare(std::string_view text, const MKLabelFont& font, double scale);
+    void setFont(const MKLabelFont& font, double scale);
+
+    Measured _measured; // the last one
+    std::string _family;
+    std::unique_ptr<PangoFontDescription, FreeDescription> _description;
+
     std::unique_ptr<PangoContext, Unref> _context;
     std::unique_ptr<PangoLayout, Unref> _layout;
 };

@@ -13,7 +13,7 @@ namespace {
 // What a frame may spend on names that were not drawn before, in seconds: little while the map moves, so that it moves
 // smoothly. What is left over is drawn in the frames to come.
 constexpr double secondsWhileMoving = 0.002;
-constexpr double secondsAtRest = 0.008;
+constexpr double secondsAtRest = 0.02;
 
 } // namespace
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace veyra {
 
@@ -68,12 +69,14 @@ PixelRect MKOverlayPainter::extent() const {
             wholePixel(std::ceil(std::min(all.maxY, area.maxY))) - top};
 }
 
-void MKOverlayPainter::draw(cairo_t* cairo, const PixelRect& area, size_t first) {
+void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) {
     const MKPixelBox box = veyra::boxOf(area);
-    cairo_save(cairo);
+    const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context(cairo_create(surface), cairo_destroy);
+    cairo_t* const cairo = context.get();
+    cairo_translate(cairo, -left, -top);
     cairo_rectangle(cairo, area.x, area.y, area.width, area.height);
     cairo_clip(cairo);
-    MKPathPainter painter(cairo, box);
+    MKPathPainter painter(cairo, area, left, top);
     for (size_t i = first; i < _scene.figures->size(); ++i) {
         const MKOverlayFigure& figure = *(*_scene.figures)[i];
         const MKPathStyle& style = figure.style();
@@ -96,7 +99,9 @@ void MKOverlayPainter::draw(cairo_t* cairo, const PixelRect& area, size_t first)
             painter.stroke(_outline, style, width, _scene.deviceScale);
         }
     }
-    cairo_restore(cairo);
+    if (cairo_status(cairo) != CAIRO_STATUS_SUCCESS) {
+        throw std::bad_alloc();
+    }
 }
 
 } // namespace veyra

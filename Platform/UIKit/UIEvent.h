@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/UIKit/CGGeometry.h"
+#include "Platform/UIKit/UIAccessibility.h"
 
 #include <cstdint>
 #include <string>
@@ -42,7 +43,12 @@ struct UIFocusEvent {
     bool hasFocus = false;
 };
 
-using UIEvent = std::variant<UITouchEvent, UIScrollEvent, UIKeyEvent, UIFocusEvent>;
+/// Assistive technology asks for what one of the elements of UIAccessibilityState does.
+struct UIAccessibilityEvent {
+    UIAccessibilityAction action = UIAccessibilityAction::Next;
+};
+
+using UIEvent = std::variant<UITouchEvent, UIScrollEvent, UIKeyEvent, UIFocusEvent, UIAccessibilityEvent>;
 
 /// Which input the views of a window will use, for hosts that must decide at once whether the page gets it too.
 struct UIInputPolicy {

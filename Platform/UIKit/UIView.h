@@ -104,6 +104,8 @@ public:
     virtual bool handleKey(const UIKeyEvent&) { return false; }
     /// The window has got or lost the keys; every view is told.
     virtual void handleFocus(const UIFocusEvent&) {}
+    /// What assistive technology asks for; every view is told.
+    virtual void handleAccessibility(const UIAccessibilityEvent&) {}
 
     /// True when touches that begin in the view, or in one below it, reach no recogniser of the views above it.
     virtual bool keepsTouches() const { return false; }

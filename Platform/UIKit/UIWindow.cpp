@@ -117,6 +117,20 @@ void UIWindow::setCaptionHandler(std::function<void(const UICaption&)> handler) 
         handing(_caption);
 }
 
+void UIWindow::setAccessibilityState(const UIAccessibilityState& state) {
+    if (state == _accessibilityState)
+        return;
+    _accessibilityState = state;
+    if (const auto handler = _accessibilityHandler)
+        handler(state);
+}
+
+void UIWindow::setAccessibilityHandler(std::function<void(const UIAccessibilityState&)> handler) {
+    _accessibilityHandler = std::move(handler);
+    if (const auto handing = _accessibilityHandler; handing && _accessibilityState != UIAccessibilityState())
+        handing(_accessibilityState);
+}
+
 void UIWindow::openURL(const std::string& url) {
     if (const auto handler = _openURLHandler)
         handler(url);
@@ -133,7 +147,12 @@ void UIWindow::sendEvent(const UIEvent& event) {
                                       return;
                           },
                           [this](const UIKeyEvent& key) { offerKey(*this, key); },
-                          [this](const UIFocusEvent& focus) { tellFocus(*this, focus); }},
+                          [this](const UIFocusEvent& focus) {
+                              tellAll(*this, [&focus](UIView& view) { view.handleFocus(focus); });
+                          },
+                          [this](const UIAccessibilityEvent& action) {
+                              tellAll(*this, [&action](UIView& view) { view.handleAccessibility(action); });
+                          }},
                event);
 }
 
@@ -148,11 +167,11 @@ bool UIWindow::offerKey(UIView& view, const UIKeyEvent& event) {
     return view.handleKey(event);
 }
 
-void UIWindow::tellFocus(UIView& view, const UIFocusEvent& event) {
+void UIWindow::tellAll(UIView& view, const std::function<void(UIView&)>& tell) {
     const auto views = view.subviews();
     for (const auto& below : views)
-        tellFocus(*below, event);
-    view.handleFocus(event);
+        tellAll(*below, tell);
+    tell(view);
 }
 
 void UIWindow::cancelTouches() {

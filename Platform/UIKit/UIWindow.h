@@ -49,7 +49,8 @@ public:
     void setUserInterfaceStyle(UIUserInterfaceStyle style);
 
     /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
-    /// (scrolls), or to the views from the front down (keys), or to all views (focus).
+    /// (scrolls), or to the views from the front down (keys), or to all views (focus,
+    /// accessibility).
     void sendEvent(const UIEvent& event);
     /// Ends all touches as cancelled: the host lost the pointer.
     void cancelTouches();
@@ -63,6 +64,10 @@ public:
     void setCaption(const UICaption& caption);
     /// `handler` is called on the main queue with each new caption, and at once when there is one already.
     void setCaptionHandler(std::function<void(const UICaption&)> handler);
+    const UIAccessibilityState& accessibilityState() const { return _accessibilityState; }
+    void setAccessibilityState(const UIAccessibilityState& state);
+    /// Like the caption's.
+    void setAccessibilityHandler(std::function<void(const UIAccessibilityState&)> handler);
     /// Views ask the host to show the user what is at an address; a host without a handler does nothing.
     void openURL(const std::string& url);
     void setOpenURLHandler(std::function<void(const std::string&)> handler) { _openURLHandler = std::move(handler); }
@@ -102,7 +107,7 @@ private:
     void forgetAnimation(const UIView& view);
     void requestFrame();
     void reportIdle();
-    static void tellFocus(UIView& view, const UIFocusEvent& event);
+    static void tellAll(UIView& view, const std::function<void(UIView&)>& tell);
     bool offerKey(UIView& view, const UIKeyEvent& event);
     void makeStore();
     PixelRect storeRect() const { return {0, 0, _pixelWidth, _pixelHeight}; }
@@ -128,6 +133,8 @@ private:
     std::function<void()> _idleHandler;
     UICaption _caption;
     std::function<void(const UICaption&)> _captionHandler;
+    UIAccessibilityState _accessibilityState;
+    std::function<void(const UIAccessibilityState&)> _accessibilityHandler;
     std::function<void(const std::string&)> _openURLHandler;
     std::atomic<unsigned> _inputPolicy{0};
     std::unique_ptr<UIGestureEnvironment> _gestures;

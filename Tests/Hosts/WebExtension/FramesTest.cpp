@@ -39,6 +39,23 @@ TEST_F(Frames, AnIdlePageWithAMapHasItsPicture) {
     EXPECT_EQ(browser.pixelAt(200, 300), pageColour);
 }
 
+TEST_F(Frames, AMapIsDarkWhereThePagePrefersADarkScheme) {
+    const auto setDark = [](gboolean dark) {
+        g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme", dark, nullptr);
+    };
+    const auto isDark = [&] {
+        const Pixel pixel = browser.pixelAt(150, 110);
+        return pixel.red + pixel.green + pixel.blue < 250;
+    };
+    showMap();
+    EXPECT_FALSE(isDark());
+    setDark(TRUE);
+    EXPECT_TRUE(Browser::waitUntil(isDark));
+    EXPECT_EQ(browser.run("return matchMedia('(prefers-color-scheme: dark)').matches"), "true");
+    setDark(FALSE);
+    EXPECT_TRUE(Browser::waitUntil([&] { return !isDark(); }));
+}
+
 TEST_F(Frames, AResizedMapFillsItsNewSize) {
     showMap();
     browser.run("map.style.width = '600px'; map.style.height = '200px'; await frame(); return ''");

@@ -38,6 +38,25 @@ protected:
     }
 };
 
+using Action = UIAccessibilityAction;
+
+class AnnotationsForAll : public AnnotationKeys {
+protected:
+    void act(Action action) {
+        window->sendEvent(UIAccessibilityEvent{action});
+        runQueue();
+    }
+    /// The labels of what can be done now.
+    std::vector<std::string> labels() const {
+        std::vector<std::string> found;
+        for (const auto& element : window->accessibilityState().elements) {
+            found.push_back(element.label);
+        }
+        return found;
+    }
+    std::string status() const { return window->accessibilityState().status; }
+};
+
 } // namespace
 
 TEST_F(AnnotationKeys, TabGoesFromNorthToSouthAndLeavesAtTheEnd) {
@@ -193,6 +212,59 @@ TEST_F(AnnotationKeys, ViewsThatAreNotEnabledAreLeftOut) {
     map->viewForAnnotation(a)->setEnabled(false);
     press("Tab");
     EXPECT_EQ(focused(), "b");
+}
+
+TEST_F(AnnotationsForAll, TellWhatHasTheFocusAndTheWaysOn) {
+    showAround();
+    shown("south", {-5, 0});
+    shown("north", {5, 0})->subtitleText = id(NSString("A place"));
+    shown("far", {0, 120});
+    EXPECT_EQ(status(), "");
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Next: Title of north"}));
+    act(Action::Next);
+    EXPECT_EQ(status(), "Title of north, A place");
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Title of north, A place", "Next: Title of south"}));
+    act(Action::Next);
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Previous: Title of north, A place", "Title of south"}));
+    act(Action::Previous);
+    EXPECT_EQ(status(), "Title of north, A place");
+}
+
+TEST_F(AnnotationsForAll, SelectAndPressTheButtonsOfTheCallout) {
+    showAround();
+    const auto a = shown("a", {0, 0});
+    const auto disclosure = UIButton::buttonWithType(UIButtonTypeDetailDisclosure);
+    map->viewForAnnotation(a)->setRightCalloutAccessoryView(disclosure);
+    act(Action::Activate); // nothing has the focus
+    act(Action::Next);
+    act(Action::Activate);
+    EXPECT_EQ(takeCalls(), (Calls{"selected a"}));
+    EXPECT_EQ(status(), "Title of a, selected");
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Title of a", "Details: Title of a"}));
+    act(Action::LeftButton); // there is none
+    act(Action::RightButton);
+    EXPECT_EQ(takeCalls(), (Calls{"tapped a"}));
+    EXPECT_EQ(delegate->tappedControl, disclosure);
+}
+
+TEST_F(AnnotationsForAll, TellHowADraggableOneIsMoved) {
+    showAround();
+    map->viewForAnnotation(shown("a", {0, 0}))->setDraggable(true);
+    act(Action::Next);
+    EXPECT_EQ(status(), "Title of a, can be moved with the space bar");
+    press(" ");
+    EXPECT_EQ(status(), "Title of a, lifted; arrow keys move it, Enter sets it down, Escape takes it back");
+}
+
+TEST_F(AnnotationsForAll, AreAFewElementsHoweverManyThereAre) {
+    showAround();
+    for (int i = 0; i < 1000; ++i) {
+        add("a", {i % 20 / 10.0, i % 30 / 10.0});
+    }
+    settle();
+    act(Action::Next);
+    act(Action::Next);
+    EXPECT_EQ(labels().size(), 3U);
 }
 
 } // namespace veyra

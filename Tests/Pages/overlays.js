@@ -25,8 +25,7 @@ function added(map, add) {
 behaviour('overlays in sight are reported together', async () => {
     const map = await addMapHere();
     equal(await added(map, () => {
-        map.addOverlay(line('a'));
-        map.addOverlays([line('b'), line('far', { coordinates: [50, 100, 51, 101] }), line('c')]);
+        map.addOverlays([line('a'), line('b'), line('far', { coordinates: [50, 100, 51, 101] }), line('c')]);
     }), 'a b c', 'identifiers');
     equal([...map.overlays].sort().join(' '), 'a b c far', 'overlays');
     equal(await added(map, () => map.setRegion({ ...here, latitude: 50, longitude: 100 }, false)), 'far', 'later');
@@ -63,7 +62,7 @@ behaviour('a frame may go while its coordinates are read', async () => {
     try {
         map.addOverlay(line('a', { coordinates }));
     } catch (error) {
-        equal(error.name, 'ReferenceError', 'what a dead map throws');
+        equal(error.name, 'ReferenceError', `what a dead map throws (${error.message})`);
     }
     const other = await addMapHere();
     equal(await added(other, () => other.addOverlay(line('b'))), 'b', 'another map');

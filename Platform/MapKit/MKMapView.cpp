@@ -39,7 +39,8 @@ void MKMapView::initWithFrame(const CGRect& frame) {
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
     _overlays = std::make_unique<MKOverlayList>();
-    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
+    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); },
+                                                     [this] { overlayWorkChanged(); });
     addRecognizers();
     addFurniture();
     _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));

@@ -77,7 +77,8 @@ TEST(MKStrokeMask, DrawsWhatTheDrawingLibraryDraws) {
                 }
             }
             EXPECT_LT(std::abs(difference), sum * 0.03) << width << " every " << step;
-            EXPECT_LT(largest, 40) << width << " every " << step; // of 128: corners of pixels
+            // Where two edges meet in one pixel, the greater of them counts alone: half of it may be missing.
+            EXPECT_LE(largest, 64) << width << " every " << step;
         }
     }
 }

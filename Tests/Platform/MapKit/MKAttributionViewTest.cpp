@@ -108,6 +108,10 @@ TEST_F(MKAttributionViewTest, TheBuiltInWorldSaysWhoseItIs) {
     map->setTileSource(MKBasemapSource::shared());
     show({400, 300});
     EXPECT_EQ(view()->attribution().text, "Natural Earth");
+    map->setMapType(MKMapTypeSatellite);
+    EXPECT_EQ(view()->attribution().text, "NASA Blue Marble");
+    map->setMapType(MKMapTypeHybrid);
+    EXPECT_EQ(view()->attribution().text, "NASA Blue Marble, Natural Earth");
 }
 
 TEST_F(MKAttributionViewTest, ImagesSayWhoseTheyAreAndTheWorldDoesForTheOtherMapTypes) {

@@ -8,9 +8,11 @@ namespace {
 
 /// The words are exact; every other one is red.
 uint64_t pinColorFrom(const id& word) {
-    if (word.isEqualToString("green"))
+    static const auto& green = *new NSString("green");
+    static const auto& purple = *new NSString("purple");
+    if (word.isEqualToString(green))
         return 1;
-    return word.isEqualToString("purple") ? 2 : 0;
+    return word.isEqualToString(purple) ? 2 : 0;
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 #include "Classes/WebScriptObject+VeyraExtras.h"
 #include "Platform/Foundation/NSException.h"
 
+#include <utility>
+
 namespace veyra {
 
 namespace {
@@ -18,11 +20,43 @@ bool isNothing(const id& identifier) {
     return identifier.isNil() || identifier.isUndefined();
 }
 
+const std::vector<NSString>& requiredKeys() {
+    static const auto* const keys = new std::vector<NSString>{
+        kOstrelAnnotationLatitude,
+        kOstrelAnnotationLongitude,
+        kOstrelAnnotationIdentifier,
+    };
+    return *keys;
+}
+
+/// The keys of an element in the order in which `makeRecord` reads them: the check, the identifier, the record.
+const ScriptKeySequence& keysOfRecord() {
+    using enum ScriptKeyValue;
+    static const auto* const sequence = new ScriptKeySequence{{
+        {kOstrelAnnotationLatitude, Present},
+        {kOstrelAnnotationLongitude, Present},
+        {kOstrelAnnotationIdentifier, Present},
+        {kOstrelAnnotationIdentifier, String},
+        {kOstrelAnnotationLatitude, Convertible},
+        {kOstrelAnnotationLongitude, Convertible},
+        {kOstrelAnnotationIdentifier, Any},
+        {kOstrelAnnotationTitle, Any},
+        {kOstrelAnnotationSubtitle, Any},
+        {kOstrelAnnotationImageURL, Any},
+        {kOstrelAnnotationXOffset, Convertible},
+        {kOstrelAnnotationYOffset, Convertible},
+        {kOstrelAnnotationHasLeftCallout, Convertible},
+        {kOstrelAnnotationHasRightCallout, Convertible},
+        {kOstrelAnnotationPinColor, Convertible},
+        {kOstrelAnnotationPinAnimatesDrop, Convertible},
+        {kOstrelAnnotationIsDraggable, Any},
+    }};
+    return *sequence;
+}
+
 /// The record for a script's annotation object, or null when that was refused, and reported.
 std::shared_ptr<VeyraAnnotationSO> makeRecord(const id& annotation, const id& caller) {
-    if (!VeyraValidateWebScriptObject(
-            annotation, nullptr, caller,
-            {kOstrelAnnotationLatitude, kOstrelAnnotationLongitude, kOstrelAnnotationIdentifier}))
+    if (!VeyraValidateWebScriptObject(annotation, nullptr, caller, requiredKeys()))
         return nullptr;
     if (annotation.object()->valueForKey(kOstrelAnnotationIdentifier).isString())
         return VeyraAnnotationSO::initWithWebScriptObject(*annotation.object());
@@ -44,7 +78,11 @@ void VeyraView::addAnnotations(const id& annotations) {
     if (!VeyraValidateWebScriptObject(annotations, nullptr, caller, {"length"}))
         return;
     std::vector<std::shared_ptr<VeyraAnnotationSO>> records;
-    forEachElement(annotations, [&](const id& element) {
+    bool lastWasUndefined = false;
+    forEachElement(annotations, keysOfRecord(), [&](const id& element) {
+        // Of undefined elements in a row the first has said it all: a false length costs as little as it can.
+        if (std::exchange(lastWasUndefined, element.isUndefined()) && lastWasUndefined)
+            return;
         try {
             if (auto record = makeRecord(element, caller))
                 records.push_back(std::move(record));

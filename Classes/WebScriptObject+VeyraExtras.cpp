@@ -47,15 +47,28 @@ float geometryFloatForKey(NSObject& object, const NSString& key) {
     return value.isNumber() || value.isString() ? value.floatValue() : 0;
 }
 
+namespace {
+
+/// How far an array says that it reaches. Script arrays end at 2^32 - 1 elements; indexes are 32 bits wide.
+uint64_t elementCount(const id& array) {
+    const id length = array.valueForKey("length");
+    return length.isNumber() ? std::min<uint64_t>(length.unsignedIntegerValue(), UINT32_MAX) : 0;
+}
+
+} // namespace
+
 void forEachElement(const id& array, const std::function<void(const id&)>& visit) {
     const auto script = array.as<WebScriptObject>();
-    const id length = array.valueForKey("length");
-    if (!script || !length.isNumber())
-        return;
-    // Script arrays end at 2^32 - 1 elements; indexes are 32 bits wide.
-    const uint64_t count = std::min<uint64_t>(length.unsignedIntegerValue(), UINT32_MAX);
-    for (uint64_t index = 0; index < count && script->scriptObject(); ++index)
+    const uint64_t count = elementCount(array);
+    for (uint64_t index = 0; script && index < count && script->scriptObject(); ++index)
         visit(script->webScriptValueAtIndex(static_cast<unsigned>(index)));
+}
+
+void forEachElement(const id& array, const ScriptKeySequence& keys, const std::function<void(const id&)>& visit) {
+    const auto script = array.as<WebScriptObject>();
+    const uint64_t count = elementCount(array);
+    if (script && count > 0)
+        visitScriptElements(*script, count, keys, visit);
 }
 
 void _veyra_webThreadCallWebScriptMethod(const id& listener, const NSString& name, NSArray arguments) {

@@ -2,7 +2,7 @@
 // the page.
 #pragma once
 
-#include "Platform/WebKit/WebScriptObject.h"
+#include "Platform/WebKit/ScriptElementReader.h"
 
 namespace veyra {
 
@@ -22,6 +22,8 @@ float geometryFloatForKey(NSObject& object, const NSString& key);
 /// a length that is no number counts as 0. A false, huge length costs what a script loop would, in constant memory; the
 /// walk ends when the page goes.
 void forEachElement(const id& array, const std::function<void(const id&)>& visit);
+/// The same for elements of which `visit` reads these keys in this order; faster, and otherwise no different.
+void forEachElement(const id& array, const ScriptKeySequence& keys, const std::function<void(const id&)>& visit);
 
 /// Calls the listener's method on the web thread, in the order of sending; its result is discarded. A listener that is
 /// no script object loses the event. Any thread.

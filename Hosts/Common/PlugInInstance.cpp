@@ -50,7 +50,6 @@ void PlugInInstance::stop() {
         window->setFrameRequestHandler(nullptr);
         window->setIdleHandler(nullptr);
         window->setCaptionHandler(nullptr);
-        window->setOpenURLHandler(nullptr);
         view->webPlugInDestroy();
         view->removeFromSuperview();
     });

@@ -67,10 +67,12 @@ void FramePresenter::start() {
                 }
             });
         });
-        window->setOpenURLHandler([weak](const std::string&) {
-            webThread().async([weak] {
-                if (const auto self = weak.lock(); self && self->isShown())
-                    self->_surface.followCaption();
+        window->setAccessibilityHandler([weak](const UIAccessibilityState& state) {
+            webThread().async([weak, state] {
+                if (const auto self = weak.lock()) {
+                    self->_newAccessibilityState = state;
+                    self->advance();
+                }
             });
         });
     });
@@ -112,8 +114,11 @@ void FramePresenter::frameWanted() {
 void FramePresenter::advance() {
     if (isShown()) {
         if (_newCaption)
-            _surface.setCaption(_newCaption->text, _newCaption->url);
+            _surface.setCaption(*_newCaption);
         _newCaption.reset();
+        if (_newAccessibilityState)
+            _surface.setAccessibilityState(*_newAccessibilityState);
+        _newAccessibilityState.reset();
         if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
             startDrawing();
         if ((_isDrawing || _isReady) && !_isFrameRequested) {

@@ -52,8 +52,9 @@ private:
     const std::shared_ptr<UIWindow> _window; // main queue only
     const std::function<void()> _settled;
     SurfaceScript _surface;
-    std::shared_ptr<PixelBuffers> _buffers; // main queue only
-    std::optional<UICaption> _newCaption; // that the page has not been given
+    std::shared_ptr<PixelBuffers> _buffers;                     // main queue only
+    std::optional<UICaption> _newCaption;                       // that the page has not been given
+    std::optional<UIAccessibilityState> _newAccessibilityState; // likewise
     CGSize _size;
     double _scale = 1;
     bool _isVisible = false;

@@ -32,17 +32,13 @@ struct InputCall {
     }
 };
 
-// inputPolicy(handle): the bits that SurfaceInput.js names.
+// inputPolicy(handle): the bits of UIInputPolicy, which SurfaceInput.js names.
 JSValueRef inputPolicy(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
                        JSValueRef*) {
     const InputCall call(context, count, arguments);
     if (!call.map)
         return JSValueMakeNumber(context, 0);
-    const UIInputPolicy policy = call.map->window()->inputPolicy();
-    const unsigned bits = unsigned{policy.usesDrags} | unsigned{policy.usesScrolls} << 1 |
-                          unsigned{policy.usesPinches} << 2 | unsigned{policy.usesPanKeys} << 3 |
-                          unsigned{policy.usesZoomKeys} << 4;
-    return JSValueMakeNumber(context, bits);
+    return JSValueMakeNumber(context, call.map->window()->inputPolicy().bits());
 }
 
 // touch(handle, identifier, type, phase, x, y, age)
@@ -77,6 +73,24 @@ JSValueRef key(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, con
     return JSValueMakeUndefined(context);
 }
 
+// focus(handle, hasFocus)
+JSValueRef focus(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+                 JSValueRef*) {
+    const InputCall call(context, count, arguments);
+    if (call.map)
+        call.send(UIFocusEvent{call.flag(1)});
+    return JSValueMakeUndefined(context);
+}
+
+// act(handle, action): an action of UIAccessibilityAction.
+JSValueRef act(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+               JSValueRef*) {
+    const InputCall call(context, count, arguments);
+    if (call.map)
+        call.send(UIAccessibilityEvent{static_cast<UIAccessibilityAction>(call.number(1))});
+    return JSValueMakeUndefined(context);
+}
+
 } // namespace
 
 void defineInputFunctions(JSContextRef context, JSObjectRef host) {
@@ -84,6 +98,8 @@ void defineInputFunctions(JSContextRef context, JSObjectRef host) {
     defineFunction(context, host, "touch", touch);
     defineFunction(context, host, "scroll", scroll);
     defineFunction(context, host, "key", key);
+    defineFunction(context, host, "focus", focus);
+    defineFunction(context, host, "act", act);
 }
 
 } // namespace veyra

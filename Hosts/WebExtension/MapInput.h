@@ -5,7 +5,7 @@
 
 namespace veyra {
 
-/// Defines `inputPolicy`, `touch`, `scroll` and `key` on the host object.
+/// Defines `inputPolicy`, `touch`, `scroll`, `key`, `focus` and `act` on the host object.
 void defineInputFunctions(JSContextRef context, JSObjectRef host);
 
 } // namespace veyra

@@ -84,6 +84,7 @@
             this.isRestoring = false;
             this.images = null;
             this.scale = 1;
+            this.clicked = () => {}; // called with the point of the canvas where the user has clicked
             this.watch = null; // the number of the geolocation watch that runs
             this.animate = () => {
                 const changes = host.animationFrame(this.handle);
@@ -94,6 +95,14 @@
             this.canvas = document.createElement('canvas');
             this.canvas.width = this.canvas.height = 0;
             this.canvas.tabIndex = 0;
+            this.canvas.setAttribute('role', 'application');
+            this.canvas.setAttribute('aria-label', element.getAttribute('aria-label') || element.title || 'Map');
+            this.caption = document.createElement('div');
+            this.status = document.createElement('div');
+            this.status.setAttribute('role', 'status');
+            this.elements = document.createElement('div');
+            this.actions = new Map(); // numbers to buttons, kept so that one that is read is not taken away
+            this.canvas.append(this.elements, this.status, this.caption);
             this.context = this.canvas.getContext('2d', { alpha: false, willReadFrequently: true });
 
             this.surface = document.createElement('veyra-surface');
@@ -219,21 +228,40 @@
             return this.images.map((image) => image.data);
         }
 
-        // Called by the native side: what stands in a canvas is not seen, but read and reached by the keyboard.
-        setCaption(text, url) {
+        // Called by the native side. What stands in a canvas is not seen, but read and reached by the keyboard; the text is
+        // painted in the rectangle.
+        setCaption(text, url, x, y, width, height) {
             const caption = document.createElement(url ? 'a' : 'span');
             caption.textContent = text;
             if (url) {
                 caption.href = url;
                 caption.target = '_blank';
                 caption.rel = 'noopener noreferrer';
+                caption.addEventListener('click', (event) => event.stopPropagation()); // the page has had its click
             }
-            this.canvas.replaceChildren(caption);
+            this.caption.replaceChildren(caption);
+            this.clicked = (at) => {
+                if (url && at.x >= x && at.x < x + width && at.y >= y && at.y < y + height)
+                    caption.click(); // within the user's click, as the engine opens nothing later
+            };
         }
 
-        // Likewise: the user has clicked where the text is painted.
-        followCaption() {
-            this.canvas.firstElementChild?.click();
+        // Called by the native side: what has the focus in the map, then an element a line, the number of what it does in
+        // front of its label. The canvas' content is not painted, but read aloud and pressed by those who do not see it;
+        // the keyboard goes through the canvas itself.
+        setAccessibilityState(lines) {
+            const [status, ...elements] = lines.split('\n');
+            if (this.status.textContent !== status)
+                this.status.textContent = status;
+            const buttons = elements.map((element) => {
+                const button = this.actions.get(element[0]) ?? document.createElement('button');
+                this.actions.set(element[0], button);
+                button.tabIndex = -1;
+                button.textContent = element.slice(1);
+                button.onclick = () => host.act(this.handle, Number(element[0]));
+                return button;
+            });
+            this.elements.replaceChildren(...buttons);
         }
 
         // `changes` is the image's index, then x, y, width and height of each rectangle.

@@ -3,20 +3,25 @@
 (function (host) {
     'use strict';
 
-    // Bits of host.inputPolicy, as MapInput.cpp has them.
+    // Bits of host.inputPolicy, as UIEvent.h has them.
     const usesDrags = 1, usesScrolls = 2, usesPinches = 4, usesPanKeys = 8, usesZoomKeys = 16;
+    const usesNextKey = 32, usesPreviousKey = 64, usesActivationKeys = 128, usesEscapeKey = 256;
     // Phases and types of touches, as UIEvent.h has them.
     const began = 0, moved = 1, ended = 2, cancelled = 3;
     const direct = 0, pencil = 1, indirectPointer = 2;
 
-    const panKeys = new Set(['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown', 'Home']);
-    const zoomKeys = new Set(['+', '-', '=']);
+    const policyOfKey = new Map([
+        ...['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown', 'Home'].map((key) => [key, usesPanKeys]),
+        ...['+', '-', '='].map((key) => [key, usesZoomKeys]),
+        ['Tab', usesNextKey], ['Enter', usesActivationKeys], [' ', usesActivationKeys], ['Escape', usesEscapeKey],
+    ]);
     // Pointers and fingers number themselves apart; a view sees one space of numbers.
     const firstFinger = 1 << 16;
     // The engine follows a touch with a mouse press and release at the same place, prevented or not, and makes wheel turns
     // of a drag that was left to the page.
     const emulationTime = 1000, emulationDistance = 32;
     const pointsInLine = 40;
+    const clickDistance = 6;
 
     function age(event) {
         return Math.max(0, performance.now() - event.timeStamp);
@@ -27,6 +32,7 @@
         const pressed = new Set();
         let fingers = 0;
         let lastTouch = null;
+        let pressedAt = null;
 
         const uses = (bits) => (host.inputPolicy(map.handle) & bits) !== 0;
         const local = (at) => webkitConvertPointFromPageToNode(canvas, new WebKitPoint(at.pageX, at.pageY));
@@ -73,8 +79,16 @@
 
         // A press on the map selects no text of the page and starts no drag of its own.
         function onMouseDown(event) {
+            pressedAt = event.button === 0 ? { x: event.clientX, y: event.clientY } : null;
             if (event.button === 0 && uses(usesDrags))
                 event.preventDefault();
+        }
+
+        // Of a press that has not moved; touches come here too, as the presses that the engine makes of them.
+        function onClick(event) {
+            if (event.target === canvas && pressedAt !== null &&
+                Math.hypot(event.clientX - pressedAt.x, event.clientY - pressedAt.y) < clickDistance)
+                map.clicked(local(event));
         }
 
         const phases = { touchstart: began, touchmove: moved, touchend: ended, touchcancel: cancelled };
@@ -103,10 +117,12 @@
         function onKeyDown(event) {
             if (event.isComposing || event.target !== canvas)
                 return;
+            const used = host.inputPolicy(map.handle); // as it is before the key
             host.key(map.handle, event.key, event.shiftKey, event.ctrlKey, event.altKey, event.metaKey, age(event));
             if (event.ctrlKey || event.altKey || event.metaKey)
                 return;
-            if (panKeys.has(event.key) ? uses(usesPanKeys) : zoomKeys.has(event.key) && uses(usesZoomKeys))
+            const policy = event.key === 'Tab' && event.shiftKey ? usesPreviousKey : policyOfKey.get(event.key);
+            if (policy && used & policy)
                 event.preventDefault();
         }
 
@@ -115,9 +131,12 @@
         for (const type of ['pointerup', 'pointercancel', 'lostpointercapture'])
             canvas.addEventListener(type, onPointerEnd);
         canvas.addEventListener('mousedown', onMouseDown);
+        canvas.addEventListener('click', onClick);
         for (const type of Object.keys(phases))
             canvas.addEventListener(type, onTouch, { passive: false });
         canvas.addEventListener('wheel', onWheel, { passive: false });
         canvas.addEventListener('keydown', onKeyDown);
+        canvas.addEventListener('focus', () => host.focus(map.handle, true));
+        canvas.addEventListener('blur', () => host.focus(map.handle, false));
     };
 })

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Hosts/WebExtension/PixelBuffers.h"
+#include "Platform/UIKit/UIAccessibility.h"
 
 #include <JavaScriptCore/JavaScript.h>
 
@@ -31,10 +32,10 @@ public:
     /// Begins and ends to ask the page's geolocation where the user is.
     void startLocating() { call("startLocating"); }
     void stopLocating() { call("stopLocating"); }
-    /// Gives the canvas a text, with a link when `url` is not "", that assistive technology and the keyboard reach.
-    void setCaption(const std::string& text, const std::string& url);
-    /// Opens what the caption's link leads to, if there is one, as if the user had clicked on it.
-    void followCaption();
+    /// Gives the canvas a text that assistive technology reads, a link when it leads somewhere.
+    void setCaption(const UICaption& caption);
+    /// Gives the canvas elements for assistive technology: what has the focus, and what can be done.
+    void setAccessibilityState(const UIAccessibilityState& state);
     /// Keeps a script object alive as long as the map has not been stopped.
     void keepAlive(JSObjectRef object);
 

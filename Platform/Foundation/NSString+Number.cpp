@@ -102,7 +102,7 @@ double nearestDouble(const Decimal& decimal) {
 } // namespace
 
 double NSString::doubleValue() const {
-    const Decimal decimal = DecimalReader(_data->text).read();
+    const Decimal decimal = DecimalReader(units()).read();
     const double magnitude = nearestDouble(decimal);
     return decimal.negative ? -magnitude : magnitude;
 }

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <new>
 
 namespace veyra {
 namespace {
@@ -19,41 +21,53 @@ size_t skipSign(std::u16string_view units, bool& negative) {
 
 } // namespace
 
+const NSString::Data* NSString::makeData(std::u16string_view units) {
+    if (units.size() > std::numeric_limits<uint32_t>::max())
+        throw std::bad_alloc();
+    void* const memory = ::operator new(sizeof(Data) + units.size() * sizeof(char16_t));
+    Data* const data =
+        new (memory) Data{1, static_cast<uint32_t>(units.size()), std::hash<std::u16string_view>()(units)};
+    std::uninitialized_copy(units.begin(), units.end(), reinterpret_cast<char16_t*>(data + 1));
+    return data;
+}
+
+void NSString::release(const Data* data) noexcept {
+    if (data->references.fetch_sub(1, std::memory_order_acq_rel) > 1)
+        return;
+    data->~Data();
+    ::operator delete(const_cast<Data*>(data));
+}
+
 NSString::NSString() {
-    static const auto& empty = *new std::shared_ptr<const Data>(
-        std::make_shared<const Data>(Data{std::u16string(), std::hash<std::u16string_view>()({})}));
-    _data = empty;
+    static const auto& empty = *new NSString(std::u16string_view());
+    _data = empty._data;
+    _data->references.fetch_add(1, std::memory_order_relaxed);
 }
 
-NSString::NSString(const char* utf8) : NSString(utf16FromUTF8(utf8), 0) {}
+NSString::NSString(const char* utf8) : NSString(std::string_view(utf8)) {}
 
-NSString::NSString(std::string_view utf8) : NSString(utf16FromUTF8(utf8), 0) {}
+NSString::NSString(std::string_view utf8) : _data(makeData(utf16FromUTF8(utf8))) {}
 
-NSString::NSString(std::u16string_view units) : NSString(std::u16string(units), 0) {}
-
-NSString::NSString(std::u16string text, int) {
-    const size_t hash = std::hash<std::u16string_view>()(text);
-    _data = std::make_shared<const Data>(Data{std::move(text), hash});
-}
+NSString::NSString(std::u16string_view units) : _data(makeData(units)) {}
 
 std::string NSString::utf8() const {
-    return utf8FromUTF16(_data->text);
+    return utf8FromUTF16(units());
 }
 
 NSString NSString::substringWithRange(size_t location, size_t length) const {
-    const size_t size = _data->text.size();
+    const size_t size = this->length();
     if (location > size || length > size - location) {
         const std::string reason = "-[NSString substringWithRange:]: Range {" + std::to_string(location) + ", " +
                                    std::to_string(length) + "} out of bounds; string length " + std::to_string(size);
         throw NSException(NSRangeException, NSString(std::string_view(reason)));
     }
-    return NSString(_data->text.substr(location, length), 0);
+    return NSString(units().substr(location, length));
 }
 
 NSString NSString::stringByReplacingUnit(char16_t from, char16_t to) const {
-    std::u16string text = _data->text;
+    std::u16string text(units());
     std::ranges::replace(text, from, to);
-    return NSString(std::move(text), 0);
+    return NSString(std::u16string_view(text));
 }
 
 float NSString::floatValue() const {
@@ -61,7 +75,7 @@ float NSString::floatValue() const {
 }
 
 int NSString::intValue() const {
-    const std::u16string_view units = _data->text;
+    const std::u16string_view units = this->units();
     bool negative = false;
     const int64_t largest = std::numeric_limits<int>::max();
     int64_t number = 0;
@@ -71,7 +85,7 @@ int NSString::intValue() const {
 }
 
 bool NSString::boolValue() const {
-    const std::u16string_view units = _data->text;
+    const std::u16string_view units = this->units();
     bool negative = false;
     size_t place = skipSign(units, negative);
     while (place < units.size() && units[place] == u'0')

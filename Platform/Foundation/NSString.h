@@ -2,12 +2,14 @@
 // hands over comes back unit for unit, lone surrogates included. Any thread may use any copy.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace veyra {
 
@@ -19,11 +21,21 @@ public:
     NSString(const char* utf8); // NOLINT(google-explicit-constructor): literals name keys, events and selectors
     explicit NSString(std::string_view utf8);
     explicit NSString(std::u16string_view units);
+    NSString(const NSString& other) noexcept : _data(other._data) {
+        _data->references.fetch_add(1, std::memory_order_relaxed);
+    }
+    /// What is moved from keeps its text.
+    NSString& operator=(const NSString& other) noexcept {
+        NSString copy(other);
+        std::swap(_data, copy._data);
+        return *this;
+    }
+    ~NSString() { release(_data); }
 
     /// Number of UTF-16 code units.
-    size_t length() const { return _data->text.size(); }
-    bool isEmpty() const { return _data->text.empty(); }
-    std::u16string_view units() const { return _data->text; }
+    size_t length() const { return _data->length; }
+    bool isEmpty() const { return _data->length == 0; }
+    std::u16string_view units() const { return {_data->units(), _data->length}; }
 
     /// UTF-8; a lone surrogate becomes U+FFFD.
     std::string utf8() const;
@@ -45,16 +57,21 @@ public:
 
     size_t hash() const { return _data->hash; }
     friend bool operator==(const NSString& a, const NSString& b) {
-        return a._data == b._data || (a._data->hash == b._data->hash && a._data->text == b._data->text);
+        return a._data == b._data || (a._data->hash == b._data->hash && a.units() == b.units());
     }
 
 private:
+    /// One block of memory: this, and the units behind it. There may be hundreds of thousands of them.
     struct Data {
-        std::u16string text;
-        size_t hash;
+        mutable std::atomic<uint32_t> references;
+        const uint32_t length;
+        const size_t hash;
+        const char16_t* units() const { return reinterpret_cast<const char16_t*>(this + 1); }
     };
-    explicit NSString(std::u16string text, int);
-    std::shared_ptr<const Data> _data;
+    static const Data* makeData(std::u16string_view units);
+    static void release(const Data* data) noexcept;
+
+    const Data* _data; // never null
 };
 
 /// UTF-8 to UTF-16 and back with U+FFFD for what is malformed.

@@ -1,8 +1,11 @@
-// Touches on annotation views: taps select, a press that is held lifts a draggable view, which then follows the finger.
+// Touches on annotation views: taps select, a press that is held lifts a draggable view, which then follows the finger;
+// drags and pinches move the map. The map's own recognisers see none of them.
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/UIKit/UILongPressGestureRecognizer.h"
+#include "Platform/UIKit/UIPanGestureRecognizer.h"
+#include "Platform/UIKit/UIPinchGestureRecognizer.h"
 #include "Platform/UIKit/UITapGestureRecognizer.h"
 
 namespace veyra {
@@ -12,12 +15,22 @@ namespace {
 // A lifted view is drawn so far above its place, in points: it looks over the finger.
 constexpr float liftHeight = 14;
 
+bool isUnderWay(const UIGestureRecognizer& recognizer) {
+    return recognizer.state() == UIGestureRecognizerState::Began ||
+           recognizer.state() == UIGestureRecognizerState::Changed;
+}
+
 } // namespace
 
 void MKAnnotationContainerView::addRecognizers() {
     const auto takesPress = [this](UIView& touched, const UITouchEvent&) {
         _pressed = _hit;
-        return &touched == this && _pressed != none;
+        setFocus({});
+        const auto map = _map.lock();
+        if (map && map->_motion) {
+            map->endChange(); // a touch stops a map that moves
+        }
+        return map && &touched == this && _pressed != none;
     };
     _tapRecognizer = std::make_shared<UITapGestureRecognizer>();
     _tapRecognizer->setTouchFilter(takesPress);
@@ -31,10 +44,41 @@ void MKAnnotationContainerView::addRecognizers() {
 
     _dragRecognizer = std::make_shared<UILongPressGestureRecognizer>();
     _dragRecognizer->setTouchFilter([this, takesPress](UIView& touched, const UITouchEvent& event) {
-        return takesPress(touched, event) && _store[_pressed].view->isDraggable();
+        return takesPress(touched, event) && _store[_pressed].view && _store[_pressed].view->isDraggable();
     });
     _dragRecognizer->setHandler([this](UIGestureRecognizer& press) { handleDrag(press); });
     addGestureRecognizer(_dragRecognizer);
+
+    // A map that is full of pins can still be moved.
+    _panRecognizer = std::make_shared<UIPanGestureRecognizer>();
+    _panRecognizer->setTouchFilter(takesPress);
+    _panRecognizer->setHandler([this](UIGestureRecognizer&) {
+        if (const auto map = _map.lock()) {
+            map->handlePan(*_panRecognizer);
+        }
+    });
+    addGestureRecognizer(_panRecognizer);
+    _pinchRecognizer = std::make_shared<UIPinchGestureRecognizer>();
+    _pinchRecognizer->setTouchFilter(takesPress);
+    _pinchRecognizer->setHandler([this](UIGestureRecognizer&) {
+        if (const auto map = _map.lock()) {
+            map->handlePinch(*_pinchRecognizer);
+        }
+    });
+    addGestureRecognizer(_pinchRecognizer);
+}
+
+void MKAnnotationContainerView::setMovesMap(bool byDrags, bool byPinches) {
+    _panRecognizer->setEnabled(byDrags);
+    _pinchRecognizer->setEnabled(byPinches);
+}
+
+bool MKAnnotationContainerView::isMovingMap() const {
+    return isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer);
+}
+
+bool MKAnnotationContainerView::isPinchingMap() const {
+    return isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2;
 }
 
 std::shared_ptr<UIView> MKAnnotationContainerView::hitTest(CGPoint point) {
@@ -51,8 +95,12 @@ std::shared_ptr<UIView> MKAnnotationContainerView::hitTest(CGPoint point) {
 }
 
 void MKAnnotationContainerView::mapTouched() {
-    if (isDragging()) {
-        _dragRecognizer->cancel();
+    if (_dragsByKeys) {
+        endDrag(true);
+    }
+    _dragRecognizer->cancel();
+    if (_focus.number != none) {
+        setFocus({});
     }
 }
 
@@ -109,6 +157,7 @@ void MKAnnotationContainerView::beginDrag(uint32_t number, CGPoint at) {
     if (_selected == number) {
         hideCallout();
     }
+    publishKeys();
     setDragState(view, MKAnnotationViewDragStateStarting);
     if (_dragged == number && view->dragState() == MKAnnotationViewDragStateStarting) {
         setDragState(view, MKAnnotationViewDragStateDragging);
@@ -141,6 +190,7 @@ void MKAnnotationContainerView::endDrag(bool cancelled) {
     damage(number);
     _store[number].lift = 0;
     _dragged = none;
+    _dragsByKeys = false;
     damage(number);
     if (cancelled) {
         annotation->setCoordinate(_coordinateBeforeDrag);
@@ -151,6 +201,7 @@ void MKAnnotationContainerView::endDrag(bool cancelled) {
     if (_selected != none && _store.find(annotation.get()) == _selected) {
         showCallout();
     }
+    publishKeys();
     if (_dragRecognizer->state() != UIGestureRecognizerState::Possible) {
         _dragRecognizer->cancel(); // the drag was ended by others
     }

@@ -129,10 +129,9 @@ void MKAnnotationContainerView::damage(uint32_t number) {
         _layer.invalidate(placed);
     }
     _layer.forEachPlace(placed, [this](const PixelRect& rect) { setNeedsDisplayInRect(pointsOf(rect)); });
-    if (const auto* location = dynamic_cast<const MKUserLocationView*>(_store[number].view.get())) {
-        if (location->showsAccuracy()) {
-            setNeedsDisplay();
-        }
+    const auto location = _locationView.lock();
+    if ((location && location == _store[number].view) || number == _focus.number) {
+        setNeedsDisplay(); // the circle and the ring reach beyond the view
     }
 }
 
@@ -170,6 +169,7 @@ void MKAnnotationContainerView::drawRect(const UIGraphicsContext& context) {
     if (_dragged != none) {
         drawInFront(context, _dragged);
     }
+    drawFocus(context);
 }
 
 void MKAnnotationContainerView::drawInFront(const UIGraphicsContext& context, uint32_t number) {

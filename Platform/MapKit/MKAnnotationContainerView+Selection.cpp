@@ -113,6 +113,7 @@ void MKAnnotationContainerView::select(uint32_t number, bool animated) {
     view->_selected = true;
     damage(number);
     showCallout();
+    publishKeys();
     if (const auto delegate = this->delegate()) {
         runGuarded("selected annotation view", [&] { delegate->mapViewDidSelectAnnotationView(*map, view); });
     }
@@ -141,6 +142,8 @@ void MKAnnotationContainerView::deselect() {
     view->_selected = false;
     damage(number);
     hideCallout();
+    checkFocus();
+    publishKeys();
     if (const auto delegate = this->delegate()) {
         runGuarded("deselected annotation view", [&] { delegate->mapViewDidDeselectAnnotationView(*map, view); });
     }

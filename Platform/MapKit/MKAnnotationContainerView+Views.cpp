@@ -65,13 +65,15 @@ void MKAnnotationContainerView::bringViewsUpToDate() {
         updateArea();
         askForWantedViews(firstAskingTime);
     }
+    checkFocus();
+    publishKeys();
 }
 
 // Takes the views away that have left the area, and notes which annotations have come into it.
 void MKAnnotationContainerView::updateArea() {
     _area = areaAround(margin, marginPart);
     updateOrder();
-    for (const uint64_t key : std::vector<uint64_t>(_order)) {
+    for (const uint64_t key : _order) {
         const auto number = static_cast<uint32_t>(key);
         if (number != _selected && number != _dragged && !MKAnnotationStore::isIn(_area, _store[number].point)) {
             detach(number);
@@ -157,6 +159,11 @@ void MKAnnotationContainerView::detach(uint32_t number) {
     entry.view = nullptr;
     entry.waitsToDrop = false;
     entry.lift = 0;
+    for (uint32_t* const touched : {&_hit, &_pressed}) {
+        if (*touched == number) {
+            *touched = none;
+        }
+    }
     _orderIsStale = true;
     view->_observer = nullptr;
     view->_sprite = nullptr;
@@ -206,6 +213,11 @@ void MKAnnotationContainerView::removeOne(const std::shared_ptr<MKAnnotation>& a
         detach(number);
     }
     _store.remove(number);
+    if (number == _focus.number) {
+        setFocus({});
+    } else {
+        publishKeys();
+    }
 }
 
 void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnnotation>& annotation) {
@@ -234,6 +246,7 @@ void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnno
         if (const uint32_t still = _store.find(annotation.get()); still != none && _store[still].view) {
             detach(still);
         }
+        publishKeys();
         return;
     }
     addToOrder(number);
@@ -291,6 +304,7 @@ void MKAnnotationContainerView::reportAddedViews() {
     if (views.empty()) {
         return;
     }
+    publishKeys();
     const auto map = _map.lock();
     if (const auto delegate = this->delegate()) {
         runGuarded("added annotation views", [&] { delegate->mapViewDidAddAnnotationViews(*map, views); });

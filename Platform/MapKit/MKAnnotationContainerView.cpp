@@ -64,15 +64,12 @@ bool MKAnnotationContainerView::stepAnimations(double timestamp) {
         reportAddedViews();
     }
     stepDrops(timestamp);
+    checkFocus();
     return !_drops.isEmpty();
 }
 
 bool MKAnnotationContainerView::isIdle() const {
     return _wanted.empty() && !_reportQueued && _drops.isEmpty();
-}
-
-bool MKAnnotationContainerView::handleKey(const UIKeyEvent&) {
-    return false;
 }
 
 } // namespace veyra

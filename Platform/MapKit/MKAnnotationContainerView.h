@@ -20,8 +20,11 @@ class MKCalloutView;
 class MKMapView;
 class MKMapViewDelegate;
 class MKUserLocationView;
+class UIButton;
 class UIGestureRecognizer;
 class UILongPressGestureRecognizer;
+class UIPanGestureRecognizer;
+class UIPinchGestureRecognizer;
 class UITapGestureRecognizer;
 
 class MKAnnotationContainerView final : public UIView, private MKAnnotationViewObserver {
@@ -48,6 +51,11 @@ public:
     void cameraDidChange();
     /// The map has come to rest: views are given, and taken away, at once.
     void bringViewsUpToDate();
+    /// Whether drags and pinches that begin on views move the map, as they do beside them.
+    void setMovesMap(bool byDrags, bool byPinches);
+    /// True while such a drag or pinch is under way.
+    bool isMovingMap() const;
+    bool isPinchingMap() const;
     /// A touch went down on the map beside all views.
     void mapTouched();
     /// The map was tapped beside all views.
@@ -59,6 +67,10 @@ public:
     bool stepAnimations(double timestamp) override;
     bool isIdle() const override;
     bool handleKey(const UIKeyEvent& event) override;
+    void handleFocus(const UIFocusEvent& event) override;
+    void handleAccessibility(const UIAccessibilityEvent& event) override;
+    /// Adds the keys that annotations use now.
+    void addKeysTo(UIInputPolicy& policy);
     void layoutSubviews() override { placeCallout(); }
 
 protected:
@@ -134,6 +146,29 @@ private:
     void setDragState(const std::shared_ptr<MKAnnotationView>& view, MKAnnotationViewDragState state);
     bool isDragging() const { return _dragged != none; }
 
+    // Keyboard: MKAnnotationContainerView+Focus.cpp
+    enum class FocusPart { View, LeftButton, RightButton };
+    struct Focus {
+        uint32_t number = none; // none: the map itself has it
+        FocusPart part = FocusPart::View;
+    };
+    bool canFocus(uint32_t number) const;
+    uint32_t focusableAfter(uint32_t number, bool forward);
+    std::shared_ptr<UIButton> calloutButton(FocusPart part) const;
+    Focus focusAfter(const Focus& focus, bool forward);
+    void setFocus(const Focus& focus);
+    void checkFocus();
+    void publishKeys();
+    bool handleTab(bool forward);
+    bool handleEscape();
+    bool handleActivation(bool isSpace);
+    bool handleArrow(const UIKeyEvent& event);
+    void drawFocus(const UIGraphicsContext& context);
+
+    // For those who do not see: MKAnnotationContainerView+Accessibility.cpp
+    std::string labelOf(uint32_t number) const;
+    UIAccessibilityState accessibilityState();
+
     std::weak_ptr<MKMapView> _map;
     MKAnnotationStore _store;
     MKReuseQueue _reuse;
@@ -166,10 +201,18 @@ private:
     uint32_t _pressed = none;                // the view under the touch that began last
     std::shared_ptr<UITapGestureRecognizer> _tapRecognizer;
     std::shared_ptr<UILongPressGestureRecognizer> _dragRecognizer;
+    std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
+    std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
 
     uint32_t _dragged = none;
     CLLocationCoordinate2D _coordinateBeforeDrag;
     CGPoint _dragGrip; // from the finger to the coordinate's point
+    bool _dragsByKeys = false;
+    CGPoint _keyDragPoint; // where a finger would be
+
+    Focus _focus;
+    bool _tabLeaves = false; // the next Tab is the page's
+    bool _publishQueued = false;
 };
 
 } // namespace veyra

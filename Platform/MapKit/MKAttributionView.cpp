@@ -1,29 +1,12 @@
 #include "Platform/MapKit/MKAttributionView.h"
 
 #include "Platform/MapKit/MKQuietText.h"
-#include "Platform/UIKit/UITapGestureRecognizer.h"
-#include "Platform/UIKit/UIWindow.h"
 
 namespace veyra {
 
 Class MKAttributionView::classObject() {
     static auto* const cls = new ClassObject("MKAttributionView", UIView::classObject(), {});
     return cls;
-}
-
-void MKAttributionView::initWithFrame(const CGRect& frame) {
-    UIView::initWithFrame(frame);
-    const auto tap = std::make_shared<UITapGestureRecognizer>();
-    tap->setHandler([](UIGestureRecognizer& recognizer) {
-        const auto view = std::dynamic_pointer_cast<MKAttributionView>(recognizer.view());
-        if (!view || recognizer.state() != UIGestureRecognizerState::Ended || view->_attribution.url.empty()) {
-            return;
-        }
-        if (const auto window = view->window()) {
-            window->openURL(view->_attribution.url);
-        }
-    });
-    addGestureRecognizer(tap);
 }
 
 void MKAttributionView::setAttribution(const MKTileAttribution& attribution, double maximumWidth) {

@@ -1,5 +1,4 @@
-// Says whose data a map shows; a tap opens the address that this leads to, if any, through the window. Main queue only;
-// owned by its map view.
+// Says whose data a map shows, underlined when it leads somewhere. Main queue only; owned by its map view.
 #pragma once
 
 #include "Platform/MapKit/MKTileAttribution.h"
@@ -18,9 +17,6 @@ public:
     void drawRect(const UIGraphicsContext& context) override;
 
 private:
-    friend class UIView;
-    void initWithFrame(const CGRect& frame) override;
-
     MKTileAttribution _attribution;
     double _maximumWidth = 0;
 };

@@ -26,8 +26,15 @@ std::shared_ptr<const MKTile> MKBasemapSource::drawTile(const MKTileKey& key) co
     return MKBasemapPainter(_open(), _cells, _imagery, key).draw();
 }
 
-MKTileAttribution MKBasemapSource::attribution(MKMapType) const {
-    return {"Natural Earth", ""};
+MKTileAttribution MKBasemapSource::attribution(MKMapType mapType) const {
+    switch (mapType) {
+    case MKMapTypeSatellite:
+        return {"NASA Blue Marble", ""};
+    case MKMapTypeHybrid:
+        return {"NASA Blue Marble, Natural Earth", ""};
+    default:
+        return {"Natural Earth", ""};
+    }
 }
 
 MKTileColor MKBasemapSource::backgroundColor(MKMapType mapType) const {

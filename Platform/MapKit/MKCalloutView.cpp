@@ -1,5 +1,7 @@
 #include "Platform/MapKit/MKCalloutView.h"
 
+#include "Platform/MapKit/MKLabelWriter.h"
+
 #include <pango/pangocairo.h>
 
 #include <algorithm>
@@ -25,7 +27,7 @@ using Layout = std::unique_ptr<PangoLayout, DestroyLayout>;
 Layout layoutOf(PangoContext* context, const std::string& text, double size, bool bold) {
     Layout layout(pango_layout_new(context));
     PangoFontDescription* const font = pango_font_description_new();
-    pango_font_description_set_family_static(font, "sans-serif");
+    pango_font_description_set_family(font, MKLabelWriter::fontFamily().c_str());
     pango_font_description_set_absolute_size(font, size * PANGO_SCALE);
     pango_font_description_set_weight(font, bold ? PANGO_WEIGHT_SEMIBOLD : PANGO_WEIGHT_NORMAL);
     pango_layout_set_font_description(layout.get(), font);
@@ -122,6 +124,13 @@ void MKCalloutView::setContent(const Content& content) {
     setNeedsDisplay();
 }
 
+void MKCalloutView::setFocusedButton(const std::shared_ptr<UIView>& button) {
+    if (button != _focusedButton) {
+        _focusedButton = button;
+        setNeedsDisplay();
+    }
+}
+
 double MKCalloutView::textWidth() const {
     return std::max(_titleWidth, _subtitleWidth);
 }
@@ -214,6 +223,13 @@ void MKCalloutView::drawRect(const UIGraphicsContext& context) {
     }
     if (_content.right) {
         right = body.maxX() - accessoryInset - accessoryWidth(_content.right) - accessoryGap;
+    }
+    if (_focusedButton) {
+        const CGRect frame = _focusedButton->frame();
+        cairo_arc(cairo, frame.center().x, frame.center().y, frame.size.width / 2 - 0.5, 0, 2 * M_PI);
+        cairo_set_source_rgb(cairo, 0.05, 0.42, 0.88);
+        cairo_set_line_width(cairo, 1.5);
+        cairo_stroke(cairo);
     }
     PangoContext* const text = newContext();
     const double middle = body.center().y;

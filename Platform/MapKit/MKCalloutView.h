@@ -34,6 +34,9 @@ public:
     /// `tip`: 0 where it does already, or where it has no room either way.
     CGPoint moveToFit(CGPoint tip, CGSize mapSize) const;
 
+    /// The button that has the keyboard's focus, marked by a ring; null for none.
+    void setFocusedButton(const std::shared_ptr<UIView>& button);
+
     bool keepsTouches() const override { return true; }
     void layoutSubviews() override;
     void drawRect(const UIGraphicsContext& context) override;
@@ -47,7 +50,8 @@ private:
 
     Content _content;
     double _titleWidth = 0, _subtitleWidth = 0; // points, as if there were room
-    double _tipX = 0;                           // in the bubble
+    std::shared_ptr<UIView> _focusedButton;
+    double _tipX = 0; // in the bubble
 };
 
 } // namespace veyra

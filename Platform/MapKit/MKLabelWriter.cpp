@@ -8,7 +8,7 @@ namespace veyra {
 
 namespace {
 
-std::string& fontFamily() {
+std::string& preferredFamily() {
     static auto* const family = new std::string("Noto Sans, Open Sans, DejaVu Sans, sans-serif");
     return *family;
 }
@@ -29,7 +29,11 @@ void MKLabelWriter::Unref::operator()(void* object) const {
 }
 
 void MKLabelWriter::setFontFamily(const std::string& family) {
-    fontFamily() = family;
+    preferredFamily() = family;
+}
+
+const std::string& MKLabelWriter::fontFamily() {
+    return preferredFamily();
 }
 
 MKLabelWriter::MKLabelWriter()

@@ -21,6 +21,7 @@ public:
     /// The fonts to use, best first, separated by commas; from the next name on that is measured or drawn. Names that
     /// are on the map already keep theirs. Main queue only.
     static void setFontFamily(const std::string& family);
+    static const std::string& fontFamily();
 
     MKLabelWriter();
     MKLabelWriter(const MKLabelWriter&) = delete;

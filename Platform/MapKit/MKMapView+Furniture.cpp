@@ -6,6 +6,8 @@
 #include "Platform/UIKit/UIWindow.h"
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 
 namespace veyra {
 
@@ -14,6 +16,15 @@ namespace {
 constexpr double furnitureMargin = 6;                        // points, to the map's edges
 constexpr double longestScaleBar = 120;                      // points
 constexpr double leastWidthForScale = 160, leastHeight = 80; // points; of a map with a scale bar
+
+/// Metres on the ground, along the parallel on the ellipsoid (WGS84), that a map point covers.
+double metersEastPerMapPoint(double latitude) {
+    constexpr double equatorialRadius = 6378137, eccentricitySquared = 6.69437999014131699613723354004e-3;
+    const double angle = latitude * std::numbers::pi / 180;
+    const double sine = std::sin(angle);
+    return equatorialRadius * std::cos(angle) / std::sqrt(1 - eccentricitySquared * sine * sine) * 2 *
+           std::numbers::pi / MKWorldSide;
+}
 
 } // namespace
 
@@ -44,9 +55,9 @@ void MKMapView::layOutFurniture() {
     const bool hasScale = _showsScale && _viewSize.width >= leastWidthForScale && _viewSize.height >= leastHeight;
     _scaleBar->setHidden(!hasScale);
     if (hasScale) {
-        const double metersPerPoint =
-            MKMetersPerMapPointAtLatitude(MKCoordinateForMapPoint(_camera.center).latitude) / _camera.scale;
-        _scaleBar->setScale(MKScale::fitting(metersPerPoint, std::min(longestScaleBar, _viewSize.width / 4)));
+        const double latitude = MKCoordinateForMapPoint(_camera.center).latitude;
+        _scaleBar->setScale(MKScale::fitting(metersEastPerMapPoint(latitude) / _camera.scale,
+                                             std::min(longestScaleBar, _viewSize.width / 4)));
         _scaleBar->setFrame(
             {{furnitureMargin, _viewSize.height - furnitureMargin - MKScaleBar::height}, _scaleBar->frame().size});
     }
@@ -63,7 +74,8 @@ void MKMapView::layOutFurniture() {
 void MKMapView::publishCaption() {
     if (const auto window = this->window()) {
         const MKTileAttribution& attribution = _attributionView->attribution();
-        window->setCaption({attribution.text, attribution.url});
+        const CGRect& frame = _attributionView->frame();
+        window->setCaption({attribution.text, attribution.url, {convertPointToWindow(frame.origin), frame.size}});
     }
 }
 

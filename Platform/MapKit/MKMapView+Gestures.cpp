@@ -70,11 +70,13 @@ void MKMapView::publishInputPolicy() {
     const auto window = this->window();
     _policyWindow = window;
     if (window) {
-        window->setInputPolicy({.usesDrags = _scrollEnabled,
-                                .usesScrolls = _zoomEnabled,
-                                .usesPinches = _zoomEnabled,
-                                .usesPanKeys = _scrollEnabled,
-                                .usesZoomKeys = _zoomEnabled});
+        UIInputPolicy policy{.usesDrags = _scrollEnabled,
+                             .usesScrolls = _zoomEnabled,
+                             .usesPinches = _zoomEnabled,
+                             .usesPanKeys = _scrollEnabled,
+                             .usesZoomKeys = _zoomEnabled};
+        _annotationContainer->addKeysTo(policy);
+        window->setInputPolicy(policy);
     }
 }
 
@@ -97,7 +99,8 @@ void MKMapView::handlePan(UIPanGestureRecognizer& pan) {
     }
     const CGPoint moved = pan.translationInView();
     pan.setTranslation({});
-    const bool pinchMoves = isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2;
+    const bool pinchMoves = (isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2) ||
+                            _annotationContainer->isPinchingMap();
     if (!pinchMoves && beginFingerChange()) {
         moveCamera(_camera.movedBy(moved.x, moved.y).clamped(_viewSize));
     }
@@ -137,7 +140,8 @@ bool MKMapView::beginFingerChange() {
 }
 
 void MKMapView::endFingerChange(CGPoint velocity) {
-    if (!_changing || !_changedByFingers || isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer)) {
+    if (!_changing || !_changedByFingers || isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer) ||
+        _annotationContainer->isMovingMap()) {
         return;
     }
     if (canAnimate() && std::hypot(velocity.x, velocity.y) > MKInertia::slowestSpeed) {

@@ -71,6 +71,7 @@ void MKMapView::queueOverlayUpdate() {
     if (std::exchange(_overlayUpdateQueued, true)) {
         return;
     }
+    overlayWorkChanged();
     dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this()] {
         if (const auto self = std::static_pointer_cast<MKMapView>(weak.lock())) {
             self->_overlayUpdateQueued = false;
@@ -97,6 +98,11 @@ void MKMapView::updateOverlays() {
     if (delegate && !added.empty()) {
         delegate->mapViewDidAddOverlayViews(*this, added);
     }
+    overlayWorkChanged();
+}
+
+// The map may have become busy, or idle, without a frame in between.
+void MKMapView::overlayWorkChanged() {
     if (const auto window = this->window()) {
         window->idleStateChanged();
     }

@@ -39,7 +39,8 @@ void MKMapView::initWithFrame(const CGRect& frame) {
         MKBasemapSource::shared(), [this](const CGRect& area) { tilesArrivedIn(area); },
         [this](const std::string& reason, bool mayPass) { tileFailed(reason, mayPass); });
     _overlays = std::make_unique<MKOverlayList>();
-    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); });
+    _overlayLayer = std::make_unique<MKOverlayLayer>([this](const CGRect& area) { setNeedsDisplayInRect(area); },
+                                                     [this] { overlayWorkChanged(); });
     addRecognizers();
     addFurniture();
     _annotationContainer = MKAnnotationContainerView::makeForMap(std::static_pointer_cast<MKMapView>(sharedView()));
@@ -57,6 +58,7 @@ void MKMapView::setMapType(MKMapType mapType) {
 void MKMapView::setZoomEnabled(bool enabled) {
     _zoomEnabled = enabled;
     _pinchRecognizer->setEnabled(enabled);
+    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     for (const auto& recognizer : _zoomTapRecognizers) {
         recognizer->setEnabled(enabled);
     }
@@ -66,6 +68,7 @@ void MKMapView::setZoomEnabled(bool enabled) {
 void MKMapView::setScrollEnabled(bool enabled) {
     _scrollEnabled = enabled;
     _panRecognizer->setEnabled(enabled);
+    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     publishInputPolicy();
 }
 

@@ -209,6 +209,7 @@ private:
     void askForOverlaysThatCameIntoSight();
     void queueOverlayUpdate();
     void updateOverlays();
+    void overlayWorkChanged();
 
     // What stands on the map: MKMapView+Furniture.cpp
     void addFurniture();

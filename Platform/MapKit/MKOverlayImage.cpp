@@ -37,24 +37,20 @@ std::shared_ptr<const MKOverlayImage> MKOverlayImage::draw(const MKOverlayScene&
     image->makeSurface();
     const auto added = former ? figuresAfter(*former->_scene.figures, *scene.figures) : std::nullopt;
     const PixelRect held = added ? image->takeOver(*former) : PixelRect{};
-    cairo_t* const cairo = cairo_create(image->_surface);
-    cairo_translate(cairo, -image->_content.x, -image->_content.y);
+    const auto draw = [&](const PixelRect& area, size_t first) {
+        painter.draw(image->_surface, image->_content.x, image->_content.y, area, first);
+    };
     if (held.isEmpty()) {
-        painter.draw(cairo, image->_content, 0);
+        draw(image->_content, 0);
     } else {
         if (*added < scene.figures->size()) {
-            painter.draw(cairo, held, *added);
+            draw(held, *added);
         }
         for (const PixelRect& strip : around(image->_content, held)) {
             if (!strip.isEmpty()) {
-                painter.draw(cairo, strip, 0);
+                draw(strip, 0);
             }
         }
-    }
-    const cairo_status_t status = cairo_status(cairo);
-    cairo_destroy(cairo);
-    if (status != CAIRO_STATUS_SUCCESS) {
-        throw std::bad_alloc();
     }
     cairo_surface_flush(image->_surface);
     return image;

@@ -26,8 +26,8 @@ PixelRect wholeOf(const MKPixelView& view) {
 
 } // namespace
 
-MKOverlayLayer::MKOverlayLayer(std::function<void(const CGRect&)> changed)
-    : _changed(std::move(changed)), _self(std::make_shared<MKOverlayLayer*>(this)),
+MKOverlayLayer::MKOverlayLayer(std::function<void(const CGRect&)> changed, std::function<void()> drawn)
+    : _changed(std::move(changed)), _drawn(std::move(drawn)), _self(std::make_shared<MKOverlayLayer*>(this)),
       _figures(std::make_shared<const MKOverlayFigures>()) {}
 
 void MKOverlayLayer::setFigures(MKOverlayFigures figures) {
@@ -141,6 +141,7 @@ void MKOverlayLayer::take(std::shared_ptr<const MKOverlayImage> image, double se
         _image = std::move(image);
     }
     update();
+    _drawn();
 }
 
 MKPixelPoint MKOverlayLayer::offsetOf(const MKOverlayImage& image) const {

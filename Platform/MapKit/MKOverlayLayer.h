@@ -15,8 +15,9 @@ namespace veyra {
 
 class MKOverlayLayer {
 public:
-    /// `changed` is called with an area of the view (points) in which the overlays look different now.
-    explicit MKOverlayLayer(std::function<void(const CGRect&)> changed);
+    /// `changed` is called with an area of the view (points) in which the overlays look different now; `drawn` when a
+    /// drawing has come to its end, so that the answer of `isWaiting` may be another one.
+    MKOverlayLayer(std::function<void(const CGRect&)> changed, std::function<void()> drawn);
     MKOverlayLayer(const MKOverlayLayer&) = delete;
     MKOverlayLayer& operator=(const MKOverlayLayer&) = delete;
 
@@ -44,6 +45,7 @@ private:
     MKPixelPoint offsetOf(const MKOverlayImage& image) const;
 
     const std::function<void(const CGRect&)> _changed;
+    const std::function<void()> _drawn;
     const std::shared_ptr<MKOverlayLayer*> _self; // held weakly by drawings under way
 
     std::shared_ptr<const MKOverlayFigures> _figures;

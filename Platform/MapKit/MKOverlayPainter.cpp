@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace veyra {
 
@@ -21,7 +22,8 @@ MKPixelBox boxOf(const PixelRect& rect) {
             static_cast<double>(rect.maxY())};
 }
 
-int wholePixel(double value) {
+/// A whole number, not too large for an integer.
+int whole(double value) {
     return static_cast<int>(std::clamp(value, -1e9, 1e9));
 }
 
@@ -42,12 +44,13 @@ MKOverlayPainter::Copies MKOverlayPainter::copiesOf(const MKOverlayFigure& figur
     const double world = MKWorldSide * _scene.view.scale;
     // One more on either side makes up for the rounding of the copies' places.
     const double first = std::floor((area.minX - box.maxX) / world), last = std::ceil((area.maxX - box.minX) / world);
-    return {static_cast<int>(std::max(first, -mostCopies / 2.0)), static_cast<int>(std::min(last, mostCopies / 2.0))};
+    const int from = whole(first);
+    return {from, whole(std::min(last, from + static_cast<double>(mostCopies)))};
 }
 
 PixelRect MKOverlayPainter::extent() const {
-    const PixelRect whole{0, 0, _scene.view.width, _scene.view.height};
-    const MKPixelBox area = veyra::boxOf(whole);
+    const PixelRect picture{0, 0, _scene.view.width, _scene.view.height};
+    const MKPixelBox area = veyra::boxOf(picture);
     MKPixelBox all{area.maxX, area.maxY, area.minX, area.minY};
     for (const auto& figure : *_scene.figures) {
         const Copies copies = copiesOf(*figure, area);
@@ -62,18 +65,20 @@ PixelRect MKOverlayPainter::extent() const {
     if (all.minX >= all.maxX) {
         return {};
     }
-    const int left = wholePixel(std::floor(std::max(all.minX, area.minX)));
-    const int top = wholePixel(std::floor(std::max(all.minY, area.minY)));
-    return {left, top, wholePixel(std::ceil(std::min(all.maxX, area.maxX))) - left,
-            wholePixel(std::ceil(std::min(all.maxY, area.maxY))) - top};
+    const int left = whole(std::floor(std::max(all.minX, area.minX)));
+    const int top = whole(std::floor(std::max(all.minY, area.minY)));
+    return {left, top, whole(std::ceil(std::min(all.maxX, area.maxX))) - left,
+            whole(std::ceil(std::min(all.maxY, area.maxY))) - top};
 }
 
-void MKOverlayPainter::draw(cairo_t* cairo, const PixelRect& area, size_t first) {
+void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) {
     const MKPixelBox box = veyra::boxOf(area);
-    cairo_save(cairo);
+    const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context(cairo_create(surface), cairo_destroy);
+    cairo_t* const cairo = context.get();
+    cairo_translate(cairo, -left, -top);
     cairo_rectangle(cairo, area.x, area.y, area.width, area.height);
     cairo_clip(cairo);
-    MKPathPainter painter(cairo, box);
+    MKPathPainter painter(cairo, area, left, top);
     for (size_t i = first; i < _scene.figures->size(); ++i) {
         const MKOverlayFigure& figure = *(*_scene.figures)[i];
         const MKPathStyle& style = figure.style();
@@ -96,7 +101,9 @@ void MKOverlayPainter::draw(cairo_t* cairo, const PixelRect& area, size_t first)
             painter.stroke(_outline, style, width, _scene.deviceScale);
         }
     }
-    cairo_restore(cairo);
+    if (cairo_status(cairo) != CAIRO_STATUS_SUCCESS) {
+        throw std::bad_alloc();
+    }
 }
 
 } // namespace veyra

@@ -11,9 +11,9 @@ public:
 
     /// The pixels that the figures may touch, within the picture; empty when there are none.
     PixelRect extent() const;
-    /// Draws the figures from number `first` on, in order, inside `area` (pixels of the picture). The context's unit is
-    /// the picture's pixel.
-    void draw(cairo_t* cairo, const PixelRect& area, size_t first);
+    /// Draws the figures from number `first` on, in order, inside `area` (pixels of the picture), to an ARGB32 image
+    /// surface whose corner is the picture's pixel (left, top).
+    void draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first);
 
 private:
     /// The copies of the world on which a figure can be seen within an area.

@@ -112,7 +112,7 @@ void MKPathPainter::addDashesOf(const Piece& piece, const std::vector<double>& d
 
     MKPixelPoint at = _points[piece.first];
     if (isDrawn()) {
-        cairo_move_to(_cairo, at.x, at.y);
+        moveTo(at);
     }
     for (size_t i = 1; i < piece.count; ++i) {
         const MKPixelPoint end = _points[piece.first + i];
@@ -121,17 +121,17 @@ void MKPathPainter::addDashesOf(const Piece& piece, const std::vector<double>& d
             at = between(at, end, left / rest);
             rest -= left;
             if (isDrawn()) {
-                cairo_line_to(_cairo, at.x, at.y);
+                lineTo(at);
             }
             next();
             if (isDrawn()) {
-                cairo_move_to(_cairo, at.x, at.y);
+                moveTo(at);
             }
         }
         left -= rest;
         at = end;
         if (isDrawn()) {
-            cairo_line_to(_cairo, at.x, at.y);
+            lineTo(at);
         }
     }
 }

@@ -16,8 +16,15 @@ constexpr double longestReach = 8192;
 // A pattern whose dashes and gaps follow each other more closely than this, in pixels, cannot be seen: it is drawn as
 // an even tone.
 constexpr double finestDashes = 0.5;
+// The widest lines, in pixels, that go through the mask.
+constexpr double widestMask = 64;
 
 } // namespace
+
+MKPathPainter::MKPathPainter(cairo_t* cairo, const PixelRect& area, int left, int top)
+    : _cairo(cairo), _pixels(area), _left(left),
+      _top(top), _area{static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.maxX()),
+                       static_cast<double>(area.maxY())} {}
 
 double MKPathPainter::reachOf(const MKPathStyle& style, double width) {
     const double corner = style.join == kCGLineJoinMiter && style.miterLimit > 1 ? style.miterLimit : 1;
@@ -92,24 +99,42 @@ void MKPathPainter::stroke(const MKOutline& outline, const MKPathStyle& style, d
     if (_pieces.empty()) {
         return;
     }
-    cairo_new_path(_cairo);
-    double share = 1;
-    if (style.dashes.empty()) {
+    const double pattern = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0);
+    const bool isTone = 2 * pattern * deviceScale < finestDashes * static_cast<double>(style.dashes.size());
+    const bool isDashed = !style.dashes.empty() && !isTone;
+    if (!isDashed) {
         joinEnds(outline);
-        addPieces();
-    } else {
-        const double pattern = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0);
-        if (2 * pattern * deviceScale < finestDashes * static_cast<double>(style.dashes.size())) {
-            double drawn = 0;
-            for (size_t i = 0; i < style.dashes.size(); i += 2) {
-                drawn += style.dashes[i];
-            }
-            share = drawn / pattern;
-            joinEnds(outline);
-            addPieces();
-        } else {
-            addDashes(style, deviceScale);
+    }
+    _usesMask = canUseMask(style, width);
+    if (_usesMask) {
+        if (!_mask) {
+            _mask = std::make_unique<MKStrokeMask>(_pixels);
         }
+        _mask->setWidth(width);
+    } else {
+        cairo_new_path(_cairo);
+    }
+    if (isDashed) {
+        addDashes(style, deviceScale);
+    } else {
+        addPieces();
+    }
+    double drawn = 0;
+    for (size_t i = 0; isTone && i < style.dashes.size(); i += 2) {
+        drawn += style.dashes[i];
+    }
+    strokePath(style, width, isTone ? drawn / pattern : 1);
+}
+
+bool MKPathPainter::canUseMask(const MKPathStyle& style, double width) const {
+    const bool hasRoundEnds = style.cap == kCGLineCapRound || (_isWholeRing && style.dashes.empty());
+    return style.join == kCGLineJoinRound && hasRoundEnds && width > 0 && width <= widestMask;
+}
+
+void MKPathPainter::strokePath(const MKPathStyle& style, double width, double share) {
+    if (_usesMask) {
+        _mask->paint(cairo_get_target(_cairo), _left, _top, *style.stroke, share);
+        return;
     }
     static constexpr cairo_line_join_t joins[] = {CAIRO_LINE_JOIN_MITER, CAIRO_LINE_JOIN_ROUND, CAIRO_LINE_JOIN_BEVEL};
     static constexpr cairo_line_cap_t caps[] = {CAIRO_LINE_CAP_BUTT, CAIRO_LINE_CAP_ROUND, CAIRO_LINE_CAP_SQUARE};
@@ -121,15 +146,31 @@ void MKPathPainter::stroke(const MKOutline& outline, const MKPathStyle& style, d
     cairo_stroke(_cairo);
 }
 
+void MKPathPainter::moveTo(MKPixelPoint point) {
+    if (_usesMask) {
+        _mask->moveTo(point);
+    } else {
+        cairo_move_to(_cairo, point.x, point.y);
+    }
+}
+
+void MKPathPainter::lineTo(MKPixelPoint point) {
+    if (_usesMask) {
+        _mask->lineTo(point);
+    } else {
+        cairo_line_to(_cairo, point.x, point.y);
+    }
+}
+
 void MKPathPainter::addPieces() {
     for (const Piece& piece : _pieces) {
-        cairo_new_sub_path(_cairo);
+        moveTo(_points[piece.first]);
         const size_t count = piece.count - (_isWholeRing ? 1 : 0);
-        for (size_t i = 0; i < count; ++i) {
-            const MKPixelPoint& point = _points[piece.first + i];
-            cairo_line_to(_cairo, point.x, point.y);
+        for (size_t i = 1; i < count; ++i) {
+            lineTo(_points[piece.first + i]);
         }
         if (_isWholeRing) {
+            lineTo(_points[piece.first]);
             cairo_close_path(_cairo);
         }
     }

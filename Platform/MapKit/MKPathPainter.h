@@ -5,15 +5,18 @@
 
 #include "Platform/MapKit/MKOutline.h"
 #include "Platform/MapKit/MKPathStyle.h"
+#include "Platform/MapKit/MKStrokeMask.h"
 
 #include <cairo.h>
+#include <memory>
 
 namespace veyra {
 
 class MKPathPainter {
 public:
-    /// Draws to the context, whose unit is the pixel, inside `area`.
-    MKPathPainter(cairo_t* cairo, const MKPixelBox& area) : _cairo(cairo), _area(area) {}
+    /// Draws to the context inside `area`, to which it is clipped. The context's unit is the pixel, its target an
+    /// ARGB32 image surface, whose corner is the pixel (left, top).
+    MKPathPainter(cairo_t* cairo, const PixelRect& area, int left, int top);
 
     /// The area within the ring, even-odd.
     void fill(const MKOutline& ring, const MKPathStyle::Color& color);
@@ -37,10 +40,18 @@ private:
     void addPieces();
     void addDashes(const MKPathStyle& style, double deviceScale);
     void addDashesOf(const Piece& piece, const std::vector<double>& dashes, double phase);
+    bool canUseMask(const MKPathStyle& style, double width) const;
+    void moveTo(MKPixelPoint point);
+    void lineTo(MKPixelPoint point);
+    void strokePath(const MKPathStyle& style, double width, double share);
     void setColor(const MKPathStyle::Color& color, double share);
 
     cairo_t* const _cairo;
+    const PixelRect _pixels;
+    const int _left, _top;
     const MKPixelBox _area;
+    std::unique_ptr<MKStrokeMask> _mask; // made when it is first of use
+    bool _usesMask = false;              // for the line under way
     std::vector<MKPixelPoint> _ring, _spare;
     std::vector<MKPixelPoint> _points; // of the pieces
     std::vector<Piece> _pieces;

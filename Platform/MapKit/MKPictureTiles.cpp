@@ -1,8 +1,7 @@
 #include "Platform/MapKit/MKPictureTiles.h"
 
 #include "Platform/MapKit/Basemap/BasemapFile.h"
-
-#include <gdk-pixbuf/gdk-pixbuf.h>
+#include "Platform/UIKit/UIImage.h"
 
 #include <algorithm>
 
@@ -10,40 +9,22 @@ namespace veyra {
 
 namespace {
 
-struct Unref {
-    void operator()(GdkPixbufLoader* loader) const { g_object_unref(loader); }
-};
-
 // The picture of a JPEG file that has `side` pixels square, or what is wrong with it.
 std::string decode(std::span<const std::byte> file, int side, MKPicture& picture) {
-    GError* error = nullptr;
-    const std::unique_ptr<GdkPixbufLoader, Unref> loader(gdk_pixbuf_loader_new_with_type("jpeg", &error));
-    const auto failure = [&] {
-        const std::string message = error != nullptr ? error->message : "no picture";
-        g_clear_error(&error);
-        return message;
-    };
-    if (!loader) {
-        return failure();
+    const auto image = UIImage::imageWithData({reinterpret_cast<const char*>(file.data()), file.size()});
+    if (!image) {
+        return "no picture";
     }
-    // A loader must be closed before it goes, whatever it has made of the bytes.
-    const bool written =
-        gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(file.data()), file.size(), &error);
-    const bool closed = gdk_pixbuf_loader_close(loader.get(), written ? &error : nullptr);
-    if (!written || !closed) {
-        return failure();
-    }
-    GdkPixbuf* const pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());
-    if (pixbuf == nullptr || gdk_pixbuf_get_width(pixbuf) != side || gdk_pixbuf_get_height(pixbuf) != side ||
-        gdk_pixbuf_get_n_channels(pixbuf) != 3) {
+    if (image->pixelWidth() != side || image->pixelHeight() != side) {
         return "not a picture of the right size";
     }
-    const guint8* const rows = gdk_pixbuf_read_pixels(pixbuf);
-    const auto stride = static_cast<size_t>(gdk_pixbuf_get_rowstride(pixbuf));
-    const auto length = static_cast<size_t>(side) * 3;
-    picture.resize(length * static_cast<size_t>(side));
-    for (size_t row = 0; row < static_cast<size_t>(side); ++row) {
-        std::copy_n(rows + row * stride, length, &picture[row * length]);
+    const size_t count = static_cast<size_t>(side) * static_cast<size_t>(side);
+    picture.resize(count * 3);
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t pixel = image->pixels()[i];
+        picture[3 * i] = static_cast<uint8_t>(pixel >> 16);
+        picture[3 * i + 1] = static_cast<uint8_t>(pixel >> 8);
+        picture[3 * i + 2] = static_cast<uint8_t>(pixel);
     }
     return {};
 }

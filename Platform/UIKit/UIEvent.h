@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/UIKit/CGGeometry.h"
+#include "Platform/UIKit/UIAccessibility.h"
 
 #include <cstdint>
 #include <string>
@@ -37,16 +38,41 @@ struct UIKeyEvent {
     double timestamp = 0;
 };
 
-using UIEvent = std::variant<UITouchEvent, UIScrollEvent, UIKeyEvent>;
+/// The window has come to receive keys, or no longer does.
+struct UIFocusEvent {
+    bool hasFocus = false;
+};
+
+/// Assistive technology asks for what one of the elements of UIAccessibilityState does.
+struct UIAccessibilityEvent {
+    UIAccessibilityAction action = UIAccessibilityAction::Next;
+};
+
+using UIEvent = std::variant<UITouchEvent, UIScrollEvent, UIKeyEvent, UIFocusEvent, UIAccessibilityEvent>;
 
 /// Which input the views of a window will use, for hosts that must decide at once whether the page gets it too.
 struct UIInputPolicy {
-    bool usesDrags = false;    ///< one-finger and pointer drags
-    bool usesScrolls = false;  ///< wheel and touchpad
-    bool usesPinches = false;  ///< two-finger gestures
-    bool usesPanKeys = false;  ///< arrows, Home
-    bool usesZoomKeys = false; ///< plus, minus
+    bool usesDrags = false;          ///< one-finger and pointer drags
+    bool usesScrolls = false;        ///< wheel and touchpad
+    bool usesPinches = false;        ///< two-finger gestures
+    bool usesPanKeys = false;        ///< arrows, Home
+    bool usesZoomKeys = false;       ///< plus, minus
+    bool usesNextKey = false;        ///< Tab
+    bool usesPreviousKey = false;    ///< Tab with shift
+    bool usesActivationKeys = false; ///< Enter, space
+    bool usesEscapeKey = false;      ///< Escape
     friend bool operator==(const UIInputPolicy&, const UIInputPolicy&) = default;
+
+    /// The same as a number: a bit a member, the first one lowest.
+    unsigned bits() const {
+        return unsigned{usesDrags} | unsigned{usesScrolls} << 1 | unsigned{usesPinches} << 2 |
+               unsigned{usesPanKeys} << 3 | unsigned{usesZoomKeys} << 4 | unsigned{usesNextKey} << 5 |
+               unsigned{usesPreviousKey} << 6 | unsigned{usesActivationKeys} << 7 | unsigned{usesEscapeKey} << 8;
+    }
+    static UIInputPolicy fromBits(unsigned bits) {
+        const auto bit = [bits](unsigned index) { return (bits >> index & 1) != 0; };
+        return {bit(0), bit(1), bit(2), bit(3), bit(4), bit(5), bit(6), bit(7), bit(8)};
+    }
 };
 
 } // namespace veyra

@@ -102,6 +102,10 @@ public:
     /// otherwise the next view is asked.
     virtual bool handleScroll(const UIScrollEvent&) { return false; }
     virtual bool handleKey(const UIKeyEvent&) { return false; }
+    /// The window has got or lost the keys; every view is told.
+    virtual void handleFocus(const UIFocusEvent&) {}
+    /// What assistive technology asks for; every view is told.
+    virtual void handleAccessibility(const UIAccessibilityEvent&) {}
 
     /// True when touches that begin in the view, or in one below it, reach no recogniser of the views above it.
     virtual bool keepsTouches() const { return false; }

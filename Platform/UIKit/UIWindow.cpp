@@ -117,9 +117,18 @@ void UIWindow::setCaptionHandler(std::function<void(const UICaption&)> handler) 
         handing(_caption);
 }
 
-void UIWindow::openURL(const std::string& url) {
-    if (const auto handler = _openURLHandler)
-        handler(url);
+void UIWindow::setAccessibilityState(const UIAccessibilityState& state) {
+    if (state == _accessibilityState)
+        return;
+    _accessibilityState = state;
+    if (const auto handler = _accessibilityHandler)
+        handler(state);
+}
+
+void UIWindow::setAccessibilityHandler(std::function<void(const UIAccessibilityState&)> handler) {
+    _accessibilityHandler = std::move(handler);
+    if (const auto handing = _accessibilityHandler; handing && _accessibilityState != UIAccessibilityState())
+        handing(_accessibilityState);
 }
 
 void UIWindow::sendEvent(const UIEvent& event) {
@@ -132,7 +141,13 @@ void UIWindow::sendEvent(const UIEvent& event) {
                                   if (view->handleScroll(scroll))
                                       return;
                           },
-                          [this](const UIKeyEvent& key) { offerKey(*this, key); }},
+                          [this](const UIKeyEvent& key) { offerKey(*this, key); },
+                          [this](const UIFocusEvent& focus) {
+                              tellAll(*this, [&focus](UIView& view) { view.handleFocus(focus); });
+                          },
+                          [this](const UIAccessibilityEvent& action) {
+                              tellAll(*this, [&action](UIView& view) { view.handleAccessibility(action); });
+                          }},
                event);
 }
 
@@ -147,19 +162,24 @@ bool UIWindow::offerKey(UIView& view, const UIKeyEvent& event) {
     return view.handleKey(event);
 }
 
+void UIWindow::tellAll(UIView& view, const std::function<void(UIView&)>& tell) {
+    const auto views = view.subviews();
+    for (const auto& below : views)
+        tellAll(*below, tell);
+    tell(view);
+}
+
 void UIWindow::cancelTouches() {
     const auto self = sharedView();
     _gestures->cancelTouches();
 }
 
 UIInputPolicy UIWindow::inputPolicy() const {
-    const unsigned bits = _inputPolicy.load();
-    return {(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0, (bits & 16) != 0};
+    return UIInputPolicy::fromBits(_inputPolicy.load());
 }
 
 void UIWindow::setInputPolicy(const UIInputPolicy& policy) {
-    _inputPolicy = unsigned{policy.usesDrags} | unsigned{policy.usesScrolls} << 1 | unsigned{policy.usesPinches} << 2 |
-                   unsigned{policy.usesPanKeys} << 3 | unsigned{policy.usesZoomKeys} << 4;
+    _inputPolicy = policy.bits();
 }
 
 bool UIWindow::isIdle() const {

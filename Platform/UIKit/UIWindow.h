@@ -18,10 +18,11 @@ namespace veyra {
 
 class UIGestureEnvironment;
 
-/// A line of text that belongs to what a window shows, for those who do not see it, with the address that it leads to.
+/// A line of text that a window shows, for those who do not see it, and the address that a click on it leads to.
 struct UICaption {
     std::string text; ///< "" for none
     std::string url;  ///< http or https, or ""
+    CGRect frame{};   ///< where it is painted, in the window's points
     friend bool operator==(const UICaption&, const UICaption&) = default;
 };
 
@@ -49,7 +50,8 @@ public:
     void setUserInterfaceStyle(UIUserInterfaceStyle style);
 
     /// Delivers input to the gesture recognisers (touches) or to the view under the pointer and its ancestors
-    /// (scrolls), or to the views from the front down (keys).
+    /// (scrolls), or to the views from the front down (keys), or to all views (focus,
+    /// accessibility).
     void sendEvent(const UIEvent& event);
     /// Ends all touches as cancelled: the host lost the pointer.
     void cancelTouches();
@@ -58,14 +60,15 @@ public:
     /// Views publish here what they use; see UIInputPolicy.
     void setInputPolicy(const UIInputPolicy& policy);
 
-    /// Views publish here what a host hands on to assistive technology.
+    /// Views publish here what a host hands on to assistive technology, and makes a link.
     const UICaption& caption() const { return _caption; }
     void setCaption(const UICaption& caption);
     /// `handler` is called on the main queue with each new caption, and at once when there is one already.
     void setCaptionHandler(std::function<void(const UICaption&)> handler);
-    /// Views ask the host to show the user what is at an address; a host without a handler does nothing.
-    void openURL(const std::string& url);
-    void setOpenURLHandler(std::function<void(const std::string&)> handler) { _openURLHandler = std::move(handler); }
+    const UIAccessibilityState& accessibilityState() const { return _accessibilityState; }
+    void setAccessibilityState(const UIAccessibilityState& state);
+    /// Like the caption's.
+    void setAccessibilityHandler(std::function<void(const UIAccessibilityState&)> handler);
 
     /// True when the next `drawFrame` has something to do.
     bool needsFrame() const;
@@ -102,6 +105,7 @@ private:
     void forgetAnimation(const UIView& view);
     void requestFrame();
     void reportIdle();
+    static void tellAll(UIView& view, const std::function<void(UIView&)>& tell);
     bool offerKey(UIView& view, const UIKeyEvent& event);
     void makeStore();
     PixelRect storeRect() const { return {0, 0, _pixelWidth, _pixelHeight}; }
@@ -127,7 +131,8 @@ private:
     std::function<void()> _idleHandler;
     UICaption _caption;
     std::function<void(const UICaption&)> _captionHandler;
-    std::function<void(const std::string&)> _openURLHandler;
+    UIAccessibilityState _accessibilityState;
+    std::function<void(const UIAccessibilityState&)> _accessibilityHandler;
     std::atomic<unsigned> _inputPolicy{0};
     std::unique_ptr<UIGestureEnvironment> _gestures;
 };

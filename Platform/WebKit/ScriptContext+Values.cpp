@@ -5,6 +5,7 @@
 #include "Platform/WebKit/WebScriptObject.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace veyra {
 
@@ -92,6 +93,35 @@ NSString ScriptContext::toString(JSStringRef string) {
 
 JSStringRef ScriptContext::makeString(const NSString& string) {
     return JSStringCreateWithCharacters(reinterpret_cast<const JSChar*>(string.units().data()), string.length());
+}
+
+JSStringRef ScriptContext::keyString(const NSString& key) {
+    static auto* const names = new std::unordered_map<NSString, JSStringRef>;
+    const auto [entry, isNew] = names->try_emplace(key, nullptr);
+    if (isNew)
+        entry->second = makeString(key);
+    return entry->second;
+}
+
+void ScriptContext::visitElement(JSValueRef element, ScriptValuesAhead& ahead,
+                                 const std::function<void(const id&)>& visit) {
+    struct Settling {
+        ~Settling() { context.settle(firstArgument, firstWrapper); }
+        ScriptContext& context;
+        const size_t firstArgument, firstWrapper;
+    } const settling{*this, _arguments.size(), _recentWrappers.size()};
+    const id native = argumentToNative(element);
+    const auto script = native.as<WebScriptObject>();
+    if (!script) {
+        visit(native);
+        return;
+    }
+    struct Reading {
+        ~Reading() { object._readAhead = former; }
+        WebScriptObject& object;
+        ScriptValuesAhead* const former;
+    } const reading{*script, std::exchange(script->_readAhead, &ahead)};
+    visit(native);
 }
 
 id ScriptContext::toNative(JSValueRef value) {

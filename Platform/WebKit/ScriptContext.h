@@ -19,7 +19,6 @@
 namespace veyra {
 
 class WebScriptObject;
-
 class ScriptContext : public std::enable_shared_from_this<ScriptContext> {
 public:
     /// The context of `globalContext`, made at the first call. `keeper` (of the same engine group) may be null; it is
@@ -54,6 +53,12 @@ public:
     JSValueRef toScript(const id& value);
     static NSString toString(JSStringRef string);
     static JSStringRef makeString(const NSString& string);
+    /// The name of a property or method as the engine wants it; kept for good, so only for names that native code uses.
+    static JSStringRef keyString(const NSString& key);
+
+    /// Calls `visit` with an element that the caller's stack keeps alive meanwhile; what has been read of it ahead is
+    /// what its keys answer. Afterwards it is kept only if native code holds it.
+    void visitElement(JSValueRef element, ScriptValuesAhead& ahead, const std::function<void(const id&)>& visit);
 
     /// Writes an exception to the page's console as an error.
     void reportException(JSValueRef exception);

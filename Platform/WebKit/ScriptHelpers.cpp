@@ -92,7 +92,7 @@ ScriptReadAhead::ScriptReadAhead(const id& object, const ScriptKeyPlan& plan) : 
         return; // out of stack, or the page has gone: the single reads see to it
     take(context.globalContext(), answer, helper.numbers);
     _object = std::move(script);
-    _outer = std::exchange(_object->_readAhead, this);
+    _outer = std::exchange(_object->_readAhead, static_cast<ScriptValuesAhead*>(this));
 }
 
 ScriptReadAhead::~ScriptReadAhead() {

@@ -17,6 +17,7 @@ namespace veyra {
 
 class ScriptContext;
 class WebScriptObject;
+struct ScriptKeySequence;
 
 /// The keys that a native method reads of an argument one after the other, as long as each is a number. Made once for
 /// each such method, as a function-local static that is never destroyed.
@@ -31,9 +32,21 @@ private:
     const std::vector<NSString> _keys;
 };
 
+/// What has been read of a script object ahead, for WebScriptObject::valueForKey.
+class ScriptValuesAhead {
+public:
+    enum class Kind { Nothing, Nil, Number, Boolean, Value, Exception };
+    /// What the next read gave (numbers, and booleans as 0 and 1, in `number`, values and exceptions in `value`);
+    /// false when the key is another one or nothing is left: then it has to be read.
+    virtual bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value) = 0;
+
+protected:
+    ~ScriptValuesAhead() = default;
+};
+
 /// Reads the keys of a plan from a script object when it is made, up to the first that is no number, and answers
 /// WebScriptObject::valueForKey from what was read, in the plan's order, while it lives. On the stack of one call.
-class ScriptReadAhead {
+class ScriptReadAhead final : ScriptValuesAhead {
 public:
     /// Does nothing for what is no live script object.
     ScriptReadAhead(const id& object, const ScriptKeyPlan& plan);
@@ -42,14 +55,11 @@ public:
     ScriptReadAhead& operator=(const ScriptReadAhead&) = delete;
 
 private:
-    friend class WebScriptObject;
-    enum class Kind { Number, Value, Exception };
-    /// What the next read of the plan gave; nothing when the key is another one or all has been answered.
-    bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value);
+    bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value) override;
     void take(JSContextRef context, JSValueRef answer, const double* numbers);
 
     std::shared_ptr<WebScriptObject> _object;
-    ScriptReadAhead* _outer = nullptr; // of the same object
+    ScriptValuesAhead* _outer = nullptr; // of the same object
     const ScriptKeyPlan& _plan;
     std::array<double, ScriptKeyPlan::maximumKeys> _numbers;
     size_t _numberCount = 0;
@@ -73,15 +83,25 @@ public:
     /// function (): a new object of that prototype whose own properties are the numbers in the typed array, in order.
     Helper makeMaker(const std::vector<NSString>& names, JSObjectRef prototype);
 
+    struct ElementReader {
+        JSObjectRef function = nullptr;
+        const uint8_t* kinds = nullptr;
+        double* numbers = nullptr;
+    };
+    /// See ScriptElementReader.cpp. Without a function for want of memory.
+    const ElementReader& elementReader(const ScriptKeySequence& sequence);
+
     /// The page has gone, perhaps by what a read of it ran: no running reader reads another key.
     void stopReads();
 
 private:
     friend class ScriptReadAhead;
+    friend class ScriptElementWalk;
     Helper make(const std::string& source, size_t count, JSValueRef prototype = nullptr);
 
     ScriptContext& _context;
     std::unordered_map<const ScriptKeyPlan*, Helper> _readers;
+    std::unordered_map<const ScriptKeySequence*, ElementReader> _elementReaders;
     std::vector<double*> _runningReads; // where the readers that run just now look
 };
 

@@ -29,17 +29,21 @@ id WebScriptObject::valueForKey(const NSString& key) {
     const auto self = shared_from_this(); // a getter may drop what holds this object
     JSValueRef exception = nullptr;
     JSValueRef value = nullptr;
-    ScriptReadAhead::Kind kind{};
+    ScriptValuesAhead::Kind kind{};
     double number = 0;
     if (_readAhead && _readAhead->next(key, kind, number, value)) {
-        if (kind == ScriptReadAhead::Kind::Number)
+        if (kind == ScriptValuesAhead::Kind::Number)
             return id(number);
-        if (kind == ScriptReadAhead::Kind::Exception)
+        if (kind == ScriptValuesAhead::Kind::Boolean)
+            return id(number != 0);
+        if (kind == ScriptValuesAhead::Kind::Nil)
+            return id();
+        if (kind == ScriptValuesAhead::Kind::Nothing)
+            return valueForUndefinedKey(key);
+        if (kind == ScriptValuesAhead::Kind::Exception)
             exception = value;
     } else {
-        JSStringRef name = ScriptContext::makeString(key);
-        value = JSObjectGetProperty(_context->_context, _object, name, &exception);
-        JSStringRelease(name);
+        value = JSObjectGetProperty(_context->_context, _object, ScriptContext::keyString(key), &exception);
     }
     if (exception) {
         report(exception);
@@ -72,10 +76,8 @@ id WebScriptObject::callWebScriptMethod(const NSString& name, const NSArray& arg
     // Settles at its end what the call wraps.
     const ScriptCall call(*_context);
 
-    JSStringRef method = ScriptContext::makeString(name);
     JSValueRef exception = nullptr;
-    const JSValueRef function = JSObjectGetProperty(context, _object, method, &exception);
-    JSStringRelease(method);
+    const JSValueRef function = JSObjectGetProperty(context, _object, ScriptContext::keyString(name), &exception);
     if (exception) {
         report(exception);
         return id();

@@ -44,8 +44,8 @@ private:
 
     const std::shared_ptr<ScriptContext> _context;
     JSObjectRef const _object;
-    std::optional<unsigned> _slot;         // none while only the running call's arguments keep the object; web thread
-    ScriptReadAhead* _readAhead = nullptr; // that answers reads just now; web thread
+    std::optional<unsigned> _slot;           // none while only the running call's arguments keep the object; web thread
+    ScriptValuesAhead* _readAhead = nullptr; // that answers reads just now; web thread
 };
 
 } // namespace veyra

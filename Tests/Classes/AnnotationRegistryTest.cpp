@@ -179,6 +179,36 @@ TEST_F(AnnotationRegistry, ReadsNoFurtherKeyOfAnElementThatIsRefused) {
                                    "latitude,longitude,identifier,identifier,latitude,longitude");
 }
 
+TEST_F(AnnotationRegistry, ReadsNoFurtherKeyWhenThePageEndsInABatch) {
+    defineFunction("endPage", [this] { context->invalidate(); });
+    run("reads = []; spy = object => new Proxy(object, { get(target, key) { reads.push(key); return target[key] } }); "
+        "map.addAnnotations([pin('a'), spy({ get latitude() { endPage(); return 1 }, longitude: 2, identifier: 'b' }), "
+        "spy(pin('c'))])");
+    EXPECT_EQ(run("reads.join()"), "latitude");
+    runMain();
+    EXPECT_EQ(onMap(), "a");
+    context = ScriptContext::of(global);
+}
+
+TEST_F(AnnotationRegistry, AKeyOfABatchMayAddAnotherBatch) {
+    EXPECT_EQ(
+        run("map.addAnnotations([pin('a'), { get latitude() { map.addAnnotations([pin('x'), pin('y', { latitude: 5 "
+            "})]); return 3 }, longitude: 4, identifier: 'b', title: 'outer' }, pin('c')])"),
+        "undefined");
+    runMain();
+    EXPECT_EQ(onMap(), "a,b,c,x,y");
+    EXPECT_EQ(degrees(recordOnMap("b")->coordinate()), degrees({3, 4}));
+    EXPECT_EQ(recordOnMap("b")->title(), id("outer"));
+    EXPECT_EQ(degrees(recordOnMap("y")->coordinate()), degrees({5, 2}));
+}
+
+TEST_F(AnnotationRegistry, AFalseLengthOfAnnotationsEndsAtThePagesEndOrItsOwn) {
+    EXPECT_EQ(run("map.addAnnotations({ length: 3e6, 0: pin('first'), 2999999: pin('last') })"),
+              "threw: Error: Invalid object passed to 'addAnnotations'");
+    runMain();
+    EXPECT_EQ(annotations(), "first,last");
+}
+
 TEST_F(AnnotationRegistry, IdentifiersAreTextsOfAnyKind) {
     const std::string identifiers =
         R"(['', ' ', 'ä', '__proto__', 'a\ud800', '\0', 'constructor', '5', 'x'.repeat(1e5)])";

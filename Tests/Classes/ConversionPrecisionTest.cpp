@@ -102,7 +102,7 @@ TEST_F(ConversionPrecision, PointsComeBackToAMillionthOfAPoint) {
                 worst = 0;
                 for (let i = 0; i <= 32; ++i)
                     for (let j = 0; j <= 32; ++j) {
-                        const point = { x: i * 32.125, y: j * 24.0625 };
+                        const point = { x: i * 31.75, y: j * 23.8125 };
                         const back = map.convertCoordinateToPoint(map.convertPointToCoordinate(point));
                         worst = Math.max(worst, Math.abs(back.x - point.x), Math.abs(back.y - point.y));
                     }

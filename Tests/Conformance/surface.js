@@ -403,9 +403,56 @@ function runSurfaceConformance(map, GeoMap, report) {
         });
     }
 
+    // What is drawn is for other tests; this is what a script sees of it.
+    async function checkOverlays() {
+        const line = (id, more) => ({ type: 'polyline', id, coordinates: [10, 20, 10.1, '20.1'], ...more });
+        const shown = add => new Promise(resolve => {
+            map.listener = { mapDidAddOverlays(...identifiers) { resolve(identifiers); } };
+            add();
+        });
+        const together = await shown(() => {
+            map.addOverlay(line('a'));
+            map.addOverlays([line('b'), { type: 'Circle', id: 'c' }, line('b'), line(4)]);
+            map.insertOverlayAtIndex({ type: 'circle', id: 'd', latitude: 10, longitude: 20, radius: 500 }, 0);
+        });
+        check('overlays of one turn are one event, an argument each', () => sameJSON(together, ['d', 'a', 'b', 4]));
+        check('overlays are identifiers', () => sameJSON(map.overlays.map(String).sort(), ['4', 'a', 'b', 'd']));
+        check('a bad element of a batch does not stop it', () => {
+            const raised = raises(() => map.addOverlays([line('e'), line('f', { strokeColor: 'red' }), line('g')]),
+                '-[NSString substringWithRange:]: Range {2, 2} out of bounds; string length 3');
+            return raised === true ? sameJSON(map.overlays.filter(id => 'efg'.includes(id)).sort(), ['e', 'g']) : raised;
+        });
+        check('an overlay beside an unknown one is registered', () => {
+            map.insertOverlayAboveOverlay(line('h'), 'no such overlay');
+            return same(map.overlays.includes('h'), true);
+        });
+        check('each coordinate is read once and in order', () => {
+            const reads = [];
+            const coordinates = new Proxy([1, '2', 3, 4], {
+                get(target, key) {
+                    reads.push(key);
+                    return target[key];
+                },
+            });
+            map.addOverlay(line('i', { coordinates }));
+            return sameJSON(reads, ['length', '0', '1', '2', '3']);
+        });
+        check('what is no number among coordinates raises', () => raises(
+            () => map.addOverlay(line('j', { coordinates: [1, 2, undefined, 4] })),
+            '-[WebUndefined doubleValue]: unrecognized selector sent to instance'));
+        check('a false length takes nothing', () => raises(
+            () => map.addOverlay(line('j', { coordinates: { length: 4294967294 } })),
+            '-[WebUndefined doubleValue]: unrecognized selector sent to instance'));
+        check('overlays are taken away by identifier', () => {
+            map.removeOverlays(map.overlays);
+            return same(map.overlays.length, 0);
+        });
+        map.listener = null;
+    }
+
     return (async () => {
         const parts = [checkNames, checkDefaults, checkGeoMap, checkSettings, checkReadOnly, checkListener, checkBadInput,
-            checkValueObjects, checkHostileReads, checkEvents, checkConversions];
+            checkValueObjects, checkHostileReads, checkEvents, checkConversions, checkOverlays];
         for (const part of parts) {
             try {
                 await part();

@@ -1,6 +1,7 @@
 #include "Platform/MapKit/ImageTiles/MKArchiveImageSet.h"
 
-#include "Platform/MapKit/ImageTiles/MKImageWorkers.h"
+#include "Platform/Foundation/WorkQueue.h"
+
 
 #include <algorithm>
 
@@ -13,7 +14,7 @@ public:
         : _learned(std::move(learned)), _key(key), _handlers(std::move(handlers)) {}
 
     void begin() override {
-        runOnImageWorker([weak = weak_from_this(), learned = _learned, key = _key] {
+        dispatch_async(dispatch_get_global_queue(), [weak = weak_from_this(), learned = _learned, key = _key] {
             dispatch_async(dispatch_get_main_queue(), [weak, result = read(*learned, key)] {
                 if (const auto self = weak.lock()) {
                     self->_handlers.ended(result);

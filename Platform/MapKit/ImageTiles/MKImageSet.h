@@ -6,6 +6,7 @@
 #include "Platform/MapKit/MKTileAttribution.h"
 
 #include <functional>
+#include <limits>
 
 namespace veyra {
 

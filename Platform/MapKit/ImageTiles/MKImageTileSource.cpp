@@ -63,6 +63,10 @@ MKTileColor MKImageTileSource::backgroundColor(MKMapType mapType) const {
     return _world->backgroundColor(mapType);
 }
 
+const BasemapNames* MKImageTileSource::names(MKMapType mapType) const {
+    return imageSet(mapType) ? nullptr : _world->names(mapType);
+}
+
 MKTileAttribution MKImageTileSource::attribution(MKMapType mapType) const {
     const auto set = imageSet(mapType);
     return set ? set->attribution() : _world->attribution(mapType);

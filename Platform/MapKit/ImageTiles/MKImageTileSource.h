@@ -22,6 +22,10 @@ public:
     std::shared_ptr<const MKImageSet> imageSet(MKMapType mapType) const override;
     std::vector<MKImageKey> imagesFor(const MKTileKey& key) const override;
     MKTileAttribution attribution(MKMapType mapType) const override;
+    bool hasDarkPicture() const override { return _world->hasDarkPicture(); }
+    MKTileColor darkBackgroundColor(MKMapType mapType) const override { return _world->darkBackgroundColor(mapType); }
+    /// Images bring their own names.
+    const BasemapNames* names(MKMapType mapType) const override;
 
 private:
     const Sets _sets;

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -27,24 +26,25 @@ struct MKImageKey {
     MKImageKey parent() const { return {set, zoom - 1, column / 2, row / 2, doubled}; }
 };
 
+class UIImage;
+
 class MKTileImage {
 public:
-    /// Takes over the surface: RGB24, or ARGB32 when something of it is transparent.
-    explicit MKTileImage(cairo_surface_t* surface) : _surface(surface) {}
+    explicit MKTileImage(std::shared_ptr<const UIImage> image);
     MKTileImage(const MKTileImage&) = delete;
     MKTileImage& operator=(const MKTileImage&) = delete;
-    ~MKTileImage() { cairo_surface_destroy(_surface); }
+    ~MKTileImage();
 
+    /// RGB24, or ARGB32 when something of the image is transparent. Not to be drawn into.
     cairo_surface_t* surface() const { return _surface; }
     int width() const { return cairo_image_surface_get_width(_surface); }
     int height() const { return cairo_image_surface_get_height(_surface); }
     bool isOpaque() const { return cairo_image_surface_get_format(_surface) == CAIRO_FORMAT_RGB24; }
-    size_t byteSize() const {
-        return sizeof(MKTileImage) + static_cast<size_t>(cairo_image_surface_get_stride(_surface)) * height();
-    }
+    size_t byteSize() const;
 
 private:
-    cairo_surface_t* const _surface;
+    const std::shared_ptr<const UIImage> _image;
+    cairo_surface_t* const _surface; // of the image's pixels
 };
 
 /// Bytes that are no picture, or too large a one. The message says what they are.
@@ -52,9 +52,6 @@ class MKTileImageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
-
-/// The most pixels that an image of a tile may have.
-inline constexpr int64_t MKTileImageMaximumPixels = int64_t{2048} * 2048;
 
 /// Decodes a PNG, JPEG or WebP picture. Throws MKTileImageError; what is too large is refused before memory is taken.
 std::shared_ptr<const MKTileImage> decodeTileImage(std::string_view bytes);

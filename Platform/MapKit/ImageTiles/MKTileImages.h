@@ -3,6 +3,7 @@
 
 #include "Platform/MapKit/ImageTiles/MKTileImage.h"
 
+#include <limits>
 #include <vector>
 
 namespace veyra {

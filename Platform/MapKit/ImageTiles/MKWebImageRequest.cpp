@@ -2,7 +2,7 @@
 
 #include "Platform/Foundation/HTTPDate.h"
 #include "Platform/Foundation/NSURLError.h"
-#include "Platform/MapKit/ImageTiles/MKImageWorkers.h"
+#include "Platform/Foundation/WorkQueue.h"
 
 #include <glib.h>
 
@@ -69,7 +69,7 @@ MKWebImageRequest::MKWebImageRequest(std::string url, MKImageDisk& disk, Handler
 MKWebImageRequest::~MKWebImageRequest() = default;
 
 void MKWebImageRequest::begin() {
-    runOnImageWorker([weak = weak_from_this(), url = _url, &disk = _disk] {
+    dispatch_async(dispatch_get_global_queue(), [weak = weak_from_this(), url = _url, &disk = _disk] {
         Stored stored;
         std::shared_ptr<const MKTileImage> image;
         if (auto found = disk.find(url)) {
@@ -176,7 +176,7 @@ void MKWebImageRequest::take(MKStoredImage answer, const MKImageFreshness& fresh
     _timer.cancel();
     answer.freshUntil = freshness.freshUntil;
     answer.mayUseStale = freshness.mayUseStale;
-    runOnImageWorker([weak = weak_from_this(), url = _url, &disk = _disk, answer = std::move(answer), freshness] {
+    dispatch_async(dispatch_get_global_queue(), [weak = weak_from_this(), url = _url, &disk = _disk, answer = std::move(answer), freshness] {
         MKImageResult result;
         result.freshUntil = freshness.freshUntil;
         std::string problem;
@@ -205,7 +205,7 @@ void MKWebImageRequest::fallBack(const std::string& reason, bool mayPass) {
     }
     _connection = nullptr;
     _timer.cancel();
-    runOnImageWorker([weak = weak_from_this(), stored = _stored, reason, mayPass] {
+    dispatch_async(dispatch_get_global_queue(), [weak = weak_from_this(), stored = _stored, reason, mayPass] {
         MKImageResult result;
         result.freshUntil = now() + staleRest;
         try {

@@ -1,6 +1,6 @@
 // One image from a server: from disk when what is there is fresh, else from the server, which is asked whether what is
 // on disk has changed. When it cannot be asked, what is on disk is used if it may be. Main queue only; reading,
-// decoding and storing happen on the image workers.
+// decoding and storing happen on the work queue.
 #pragma once
 
 #include "Platform/Foundation/DispatchQueue.h"

@@ -91,11 +91,11 @@ unsigned Picture::at(int x, int y) const {
 }
 
 bool Picture::isWater(int x, int y) const {
-    return at(x, y) == 0xa9cfe6;
+    return at(x, y) == 0xb4d5e7;
 }
 
 bool Picture::isLand(int x, int y) const {
-    return at(x, y) == 0xf5f2ea;
+    return at(x, y) == 0xf6f3ec;
 }
 
 } // namespace veyra::test

@@ -11,6 +11,7 @@ class UserInput : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(browser.waitUntil("return shown !== null;"));
+        browser.run("window.seen = changes;");
         before = region();
     }
     struct Region {

@@ -38,12 +38,24 @@ Browser::Browser() : _server(new PageServer) {
                          ADD_FAILURE() << "the web process ended, reason " << reason;
                      })),
                      this);
+    g_signal_connect(_view, "create",
+                     G_CALLBACK((+[](WebKitWebView*, WebKitNavigationAction* action, gpointer self) -> GtkWidget* {
+                         static_cast<Browser*>(self)->_openedWindows.emplace_back(
+                             webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
+                         return nullptr;
+                     })),
+                     this);
     listenToGeolocation();
     _window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_default_size(GTK_WINDOW(_window), 800, 600);
     gtk_container_add(GTK_CONTAINER(_window), GTK_WIDGET(_view));
     gtk_widget_show_all(_window);
     gtk_widget_grab_focus(GTK_WIDGET(_view));
+}
+
+Browser::~Browser() {
+    g_signal_handlers_disconnect_by_data(_view, this);
+    gtk_widget_destroy(_window);
 }
 
 std::string Browser::address(const std::string& path) const {

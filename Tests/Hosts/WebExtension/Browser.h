@@ -23,6 +23,11 @@ class Browser {
 public:
     /// The view is 800 × 600 points.
     static Browser& shared();
+    /// Another one, with a web process of its own, which gets the environment as it is at the first page.
+    Browser();
+    ~Browser();
+    Browser(const Browser&) = delete;
+    Browser& operator=(const Browser&) = delete;
 
     /// Loads a page of the server ("/pages/…") or any other address, and waits for it.
     void load(const std::string& address);
@@ -71,8 +76,10 @@ public:
     void scroll(double x, double y, double deltaY, GdkModifierType modifiers = {});
     void key(guint keyval);
 
+    /// Addresses that pages wanted to open in windows of their own; they get none.
+    const std::vector<std::string>& openedWindows() const { return _openedWindows; }
+
 private:
-    Browser();
     void send(GdkEvent* event, GdkDevice* device);
     void listenToGeolocation();
 
@@ -80,6 +87,7 @@ private:
     GtkWidget* _window = nullptr;
     WebKitWebView* _view = nullptr;
     bool _isLoaded = false;
+    std::vector<std::string> _openedWindows;
 
     WebKitGeolocationManager* _locations = nullptr;
     Permission _permission = Permission::Deny;

@@ -26,6 +26,8 @@ constexpr Page pages[] = {
     {"Isolation", "isolation.js", "/pages/isolation.html"},
     {"Layout", "layout.js", "/pages/layout.html"},
     {"Arguments", "arguments.js", "/pages/arguments.html"},
+    {"Overlays", "overlays.js", "/pages/overlays.html"},
+    {"OverlaysUnderStrictPolicy", "overlays.js", "/pages/overlays.html?csp"},
 };
 
 class BehaviourTest : public testing::Test {

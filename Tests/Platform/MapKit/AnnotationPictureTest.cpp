@@ -3,6 +3,7 @@
 #include "Tests/Support/Picture.h"
 
 #include "Platform/CoreLocation/CLLocation.h"
+#include "Platform/MapKit/MKLabelWriter.h"
 #include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/UIKit/UIButton.h"
 
@@ -21,7 +22,10 @@ public:
 
 class AnnotationPictures : public AnnotationTest {
 protected:
-    AnnotationPictures() { map->setTileSource(std::make_shared<GroundSource>()); }
+    AnnotationPictures() {
+        map->setTileSource(std::make_shared<GroundSource>());
+        MKLabelWriter::setFontFamily("DejaVu Sans");
+    }
 
     std::shared_ptr<TestAnnotation> addPin(CLLocationCoordinate2D place, uint64_t color = 0) {
         auto pin = add("pin", place);
@@ -87,6 +91,45 @@ TEST_F(AnnotationPictures, TheUsersLocationWithItsAccuracy) {
     delegate->makeView = [](MKMapView&, const auto&) { return nullptr; };
     map->addAnnotation(location);
     expectPicture("user-location");
+}
+
+TEST_F(AnnotationPictures, ImagesWithOffsets) {
+    showAround({0, 0}, {160, 120}, 2);
+    // A flag, whose foot the offset puts on the coordinate, and the coordinate's own mark.
+    UIImage::Pixels pixels(size_t{32} * 48);
+    for (size_t y = 0; y < 48; ++y) {
+        for (size_t x = 0; x < 32; ++x) {
+            const bool pole = x < 4, cloth = x >= 4 && y < 24 && x - 4 < 28;
+            pixels[y * 32 + x] = pole ? 0xff404040 : cloth ? ((x / 7 + y / 6) % 2 ? 0xff101010 : 0xfff8f8f8) : 0;
+        }
+    }
+    const auto flag = UIImage::imageWithPixels(32, 48, pixels, 2);
+    const auto mark = makeImage(6, 6, 0xffd02020, 2);
+    delegate->makeView = [&](MKMapView&, const std::shared_ptr<MKAnnotation>& annotation) {
+        auto view = MKAnnotationView::initWithAnnotationReuseIdentifier(annotation, std::nullopt);
+        const bool isFlag = std::dynamic_pointer_cast<TestAnnotation>(annotation)->name == "flag";
+        view->setImage(isFlag ? flag : mark);
+        view->setCenterOffset(isFlag ? CGPoint{7, -12} : CGPoint{});
+        return view;
+    };
+    for (const double longitude : {-4.0, 0.0, 4.0}) {
+        add("flag", {0.001, longitude});
+        add("mark", {0, longitude});
+    }
+    expectPicture("images-with-offsets");
+}
+
+TEST_F(AnnotationPictures, TheFocusOfTheKeyboard) {
+    showAround({0, 0}, {160, 80}, 2);
+    for (unsigned color = 0; color < 3; ++color) {
+        addPin({-2, -4.0 + 4 * color}, color);
+    }
+    settle();
+    UIKeyEvent tab;
+    tab.key = "Tab";
+    window->sendEvent(tab);
+    window->sendEvent(tab);
+    expectPicture("focused-pin");
 }
 
 TEST_F(AnnotationPictures, ACalloutInTheMiddle) {

@@ -142,6 +142,54 @@ TEST_F(Dragging, KeepsTheTipUnderTheFingersGripWhileLifted) {
     EXPECT_NEAR(a->position.latitude, 0, 1e-9);
 }
 
+TEST_F(Dragging, ThatBeginsOnAViewAtOnceMovesTheMap) {
+    showAround();
+    const auto a = draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    for (int x = 200; x >= 150; x -= 10) {
+        touch(1, UITouchPhase::Moved, {static_cast<double>(x), 130});
+        frame();
+    }
+    now += 1; // no inertia
+    touch(1, UITouchPhase::Ended, {150, 130});
+    settle();
+    EXPECT_EQ(calls(), Calls());
+    EXPECT_EQ(delegate->regionChanges, 1);
+    EXPECT_NEAR(map->region().center.longitude, 5, 1.5);
+    EXPECT_EQ(a->position.longitude, 0);
+}
+
+TEST_F(Dragging, ThatBeginsOnAViewLeavesAMapThatDoesNotScrollAlone) {
+    showAround();
+    map->setScrollEnabled(false);
+    draggable({0, 0});
+    touch(1, UITouchPhase::Began, {200, 130});
+    touch(1, UITouchPhase::Moved, {100, 130});
+    touch(1, UITouchPhase::Ended, {100, 130});
+    settle();
+    EXPECT_EQ(delegate->regionChanges, 0);
+}
+
+TEST_F(Dragging, PinchesOnViewsZoomTheMap) {
+    showAround();
+    add("a", {0, -2});
+    add("b", {0, 2});
+    settle();
+    const double before = map->region().span.longitudeDelta;
+    touch(1, UITouchPhase::Began, {180, 130});
+    touch(2, UITouchPhase::Began, {220, 130});
+    for (int step = 1; step <= 5; ++step) {
+        touch(1, UITouchPhase::Moved, {180.0 - 10 * step, 130});
+        touch(2, UITouchPhase::Moved, {220.0 + 10 * step, 130});
+        frame();
+    }
+    touch(1, UITouchPhase::Ended, {130, 130});
+    touch(2, UITouchPhase::Ended, {270, 130});
+    settle();
+    EXPECT_LT(map->region().span.longitudeDelta, before / 2);
+    EXPECT_TRUE(map->selectedAnnotations().empty());
+}
+
 namespace {
 
 class Dropping : public AnnotationTest {

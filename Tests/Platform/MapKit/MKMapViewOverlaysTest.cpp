@@ -165,6 +165,25 @@ TEST_F(MKMapViewOverlays, TheMapIsIdleOnlyWhenItsOverlaysAreDrawn) {
     EXPECT_EQ(pixelAt({0.5, 0.5}), 0xffffffU);
 }
 
+TEST_F(MKMapViewOverlays, TheHostHearsThatTheMapIsIdleWhenNothingOfAnOverlayCanBeSeen) {
+    showHere();
+    int idle = 0;
+    window->setIdleHandler([&] { ++idle; });
+    for (const auto& unseen : {line({{0, -20}, {20, 20}, {20, -20}}).overlay, line({{0, 0}}).overlay}) {
+        idle = 0;
+        map->addOverlay(unseen); // its bounds meet the visible area, its line does not
+        for (int wait = 0; wait < 2000 && idle == 0; ++wait) {
+            if (window->needsFrame()) {
+                frame();
+            }
+            runQueue();
+            g_usleep(1000);
+        }
+        EXPECT_EQ(idle, 1);
+        EXPECT_TRUE(window->isIdle());
+    }
+}
+
 TEST_F(MKMapViewOverlays, AMapThatGoesWhileItsOverlaysAreDrawnLeavesNothingBehind) {
     showHere();
     map->addOverlay(here);

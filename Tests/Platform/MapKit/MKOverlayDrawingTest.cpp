@@ -147,6 +147,18 @@ TEST_F(OverlayDrawing, AnOverlayThatRunsAroundTheWorldIsDrawnAllTheWay) {
     }
 }
 
+TEST_F(OverlayDrawing, AnOverlayManyWorldsAwayIsDrawnHere) {
+    showRegion({{0, 0}, {10, 10}});
+    for (const double longitude : {36000.0, -36000.0}) {
+        const auto made = line({{0, longitude - 2}, {0, longitude + 2}});
+        put(made.overlay);
+        EXPECT_EQ(pixelAt({0, 0}), red) << longitude;
+        map->removeOverlay(made.overlay);
+        settle();
+        EXPECT_EQ(pixelAt({0, 0}), white);
+    }
+}
+
 TEST_F(OverlayDrawing, VerticesBeyondThePoleLeaveNoStrayLines) {
     showRegion({{0, 0}, {170, 350}});
     const auto made = area({{-60, -100}, {-60, 100}, {-1e308, 100}, {-1e308, -100}});

@@ -27,7 +27,7 @@ ImageTilesTest::~ImageTilesTest() {
 }
 
 void ImageTilesTest::useServer(MKImageSetProperties properties, const std::string& pattern) {
-    // Image workers may use it after the test.
+    // Blocks of the work queue may use it after the test.
     auto* const disk = new MKImageDisk(folder / "cache");
     useSet(std::make_shared<MKWebImageSet>(MKTileAddress(server->origin() + pattern), std::move(properties), *disk));
 }

@@ -24,6 +24,8 @@ std::string problemOf(std::string_view bytes) {
     }
 }
 
+constexpr const char* damaged = "the picture is damaged, or larger than 4194304 pixels";
+
 /// A PNG whose header promises that size and which ends there.
 std::string headerOfPNG(uint32_t width, uint32_t height) {
     std::string bytes = pictureOf(0, 1);
@@ -82,13 +84,13 @@ TEST(MKTileImage, WhatIsNoPictureIsRefused) {
 TEST(MKTileImage, WhatIsCutOffIsRefused) {
     const std::string bytes = pictureOf(0x123456);
     for (size_t length = 8; length + 12 < bytes.size(); length += 11) { // the last chunk is empty
-        EXPECT_TRUE(problemOf(bytes.substr(0, length)).starts_with("the picture cannot be decoded: ")) << length;
+        EXPECT_EQ(problemOf(bytes.substr(0, length)), damaged) << length;
     }
 }
 
 TEST(MKTileImage, WhatIsTooLargeIsRefusedBeforeItTakesMemory) {
-    EXPECT_EQ(problemOf(headerOfPNG(60000, 60000)), "the picture cannot be decoded: it is larger than 4194304 pixels");
-    EXPECT_EQ(problemOf(headerOfPNG(2048, 2049)), "the picture cannot be decoded: it is larger than 4194304 pixels");
+    EXPECT_EQ(problemOf(headerOfPNG(60000, 60000)), damaged);
+    EXPECT_EQ(problemOf(headerOfPNG(2048, 2049)), damaged);
     EXPECT_EQ(decodeTileImage(pictureOf(1, 2048))->width(), 2048);
 }
 

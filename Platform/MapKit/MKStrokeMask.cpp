@@ -1,0 +1,132 @@
+#include "Platform/MapKit/MKStrokeMask.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veyra {
+
+namespace {
+
+/// A pixel of premultiplied channels, two of them at a time, times a weight of 0 to 256.
+uint32_t weighted(uint32_t pixel, uint32_t weight) {
+    const uint32_t even = ((pixel & 0xff00ff) * weight + 0x800080) >> 8 & 0xff00ff;
+    const uint32_t odd = ((pixel >> 8 & 0xff00ff) * weight + 0x800080) & 0xff00ff00;
+    return even | odd;
+}
+
+/// 0 to 255 as a weight of 0 to 256.
+uint32_t weightOf(uint32_t part) {
+    return part + (part >> 7);
+}
+
+uint32_t premultiplied(const MKPathStyle::Color& color, double share) {
+    const double alpha = color.alpha * share;
+    const auto channel = [&](double value) { return static_cast<uint32_t>(std::lround(value * alpha * 255)); };
+    return channel(1) << 24 | channel(color.red) << 16 | channel(color.green) << 8 | channel(color.blue);
+}
+
+} // namespace
+
+/// From `(x, y)` along `(dx, dy)`, in pixels of the mask.
+struct MKStrokeMask::Stretch {
+    float x, y, dx, dy;
+    float perLength; // 1 / (dx² + dy²)
+};
+
+MKStrokeMask::MKStrokeMask(const PixelRect& area)
+    : _area(area), _coverage(static_cast<size_t>(area.width) * static_cast<size_t>(area.height)),
+      _rows(static_cast<size_t>(area.height), Extent{area.width, 0}), _firstRow(area.height), _endRow(0) {}
+
+void MKStrokeMask::setWidth(double width) {
+    _reach = static_cast<float>(width / 2 + 0.5);
+    _greatest = static_cast<float>(std::min(width, 1.0));
+}
+
+void MKStrokeMask::lineTo(MKPixelPoint point) {
+    const auto fromX = static_cast<float>(_at.x - _area.x), fromY = static_cast<float>(_at.y - _area.y);
+    const auto toX = static_cast<float>(point.x - _area.x), toY = static_cast<float>(point.y - _area.y);
+    _at = point;
+    const float dx = toX - fromX, dy = toY - fromY;
+    const float squared = dx * dx + dy * dy;
+    const Stretch stretch{fromX, fromY, dx, dy, squared > 0 ? 1 / squared : 0};
+    const int first = std::max(0, static_cast<int>(std::floor(std::min(fromY, toY) - _reach)));
+    const int end = std::min(_area.height, static_cast<int>(std::ceil(std::max(fromY, toY) + _reach)));
+    for (int row = first; row < end; ++row) {
+        // The part of the stretch that is near enough to the row for its pixels.
+        const float middle = static_cast<float>(row) + 0.5F;
+        float low = 0, high = 1;
+        if (dy != 0) {
+            const float a = (middle - _reach - fromY) / dy, b = (middle + _reach - fromY) / dy;
+            low = std::clamp(std::min(a, b), 0.0F, 1.0F);
+            high = std::clamp(std::max(a, b), 0.0F, 1.0F);
+        }
+        const float xLow = fromX + dx * low, xHigh = fromX + dx * high;
+        addRow(stretch, row, std::min(xLow, xHigh) - _reach, std::max(xLow, xHigh) + _reach);
+    }
+}
+
+void MKStrokeMask::addRow(const Stretch& stretch, int row, float from, float to) {
+    const int first = std::max(0, static_cast<int>(std::floor(from)));
+    const int end = std::min(_area.width, static_cast<int>(std::ceil(to)));
+    if (first >= end) {
+        return;
+    }
+    uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_area.width)];
+    const float py = static_cast<float>(row) + 0.5F - stretch.y;
+    const float inner = std::max(0.0F, _reach - _greatest), innerSquared = inner * inner;
+    const float outerSquared = _reach * _reach;
+    const auto whole = static_cast<uint8_t>(_greatest * 255 + 0.5F);
+    for (int column = first; column < end; ++column) {
+        if (coverage[column] >= whole) {
+            continue;
+        }
+        const float px = static_cast<float>(column) + 0.5F - stretch.x;
+        const float along = std::clamp((px * stretch.dx + py * stretch.dy) * stretch.perLength, 0.0F, 1.0F);
+        const float awayX = px - stretch.dx * along, awayY = py - stretch.dy * along;
+        const float squared = awayX * awayX + awayY * awayY;
+        if (squared >= outerSquared) {
+            continue;
+        }
+        const uint8_t value =
+            squared <= innerSquared ? whole : static_cast<uint8_t>((_reach - std::sqrt(squared)) * 255 + 0.5F);
+        coverage[column] = std::max(coverage[column], value);
+    }
+    Extent& extent = _rows[static_cast<size_t>(row)];
+    extent = {std::min(extent.first, first), std::max(extent.end, end)};
+    _firstRow = std::min(_firstRow, row);
+    _endRow = std::max(_endRow, row + 1);
+}
+
+void MKStrokeMask::paint(cairo_surface_t* surface, int left, int top, const MKPathStyle::Color& color, double share) {
+    cairo_surface_flush(surface);
+    unsigned char* const pixels = cairo_image_surface_get_data(surface);
+    const auto stride = static_cast<ptrdiff_t>(cairo_image_surface_get_stride(surface));
+    const uint32_t source = premultiplied(color, share);
+    const bool isOpaque = source >> 24 == 255;
+    for (int row = _firstRow; row < _endRow; ++row) {
+        Extent& extent = _rows[static_cast<size_t>(row)];
+        uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_area.width)];
+        auto* const target = reinterpret_cast<uint32_t*>(pixels + (row + _area.y - top) * stride) + (_area.x - left);
+        for (int column = extent.first; column < extent.end; ++column) {
+            const uint32_t covered = coverage[column];
+            if (covered == 255 && isOpaque) {
+                target[column] = source;
+            } else if (covered != 0) {
+                const uint32_t over = weighted(source, weightOf(covered));
+                target[column] = over + weighted(target[column], 256 - weightOf(over >> 24));
+            }
+        }
+        if (extent.first < extent.end) {
+            std::fill(coverage + extent.first, coverage + extent.end, uint8_t{0});
+        }
+        extent = {_area.width, 0};
+    }
+    if (_firstRow < _endRow) {
+        cairo_surface_mark_dirty_rectangle(surface, _area.x - left, _area.y - top + _firstRow, _area.width,
+                                           _endRow - _firstRow);
+    }
+    _firstRow = _area.height;
+    _endRow = 0;
+}
+
+} // namespace veyra

@@ -46,14 +46,13 @@ constexpr uint32_t world = 0x00ff00;
 } // namespace
 
 TEST_F(ImageTilesServer, IsAskedForSixImagesAtATime) {
-    server->setHandler([](const TileRequest& request) {
-        TileAnswer answer = coloredTile(request);
-        answer.delay = 0.05;
-        return answer;
-    });
+    server->setHandler([](const TileRequest&) { return TileAnswer{.body = {}, .fields = {}, .delay = 1000}; });
     useServer();
-    show({1024, 1024});
-    EXPECT_EQ(server->mostAtOnce(), 6);
+    window->setSize({1024, 1024}, 1);
+    framesUntil([&] { return server->mostAtOnce() == 6; });
+    const auto start = std::chrono::steady_clock::now();
+    framesUntil([&] { return std::chrono::steady_clock::now() - start > std::chrono::milliseconds(300); });
+    EXPECT_EQ(server->count(), 6u) << "none is asked for beyond those";
 }
 
 TEST_F(ImageTilesServer, WhatHasLeftTheViewIsCancelled) {

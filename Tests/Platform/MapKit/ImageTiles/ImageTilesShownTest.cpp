@@ -132,10 +132,8 @@ TEST_F(ImageTilesShown, BelowTheLowestZoomTheWorldIsShown) {
 
 TEST_F(ImageTilesShown, OtherMapTypesAreThoseOfTheWorld) {
     useServer();
-    show({512, 512});
     map->setMapType(MKMapTypeSatellite);
-    settle();
-    server->forgetRequests();
+    show({512, 512});
     showTile(4, 6, 5);
     settle();
     EXPECT_EQ(server->count(), 0u);

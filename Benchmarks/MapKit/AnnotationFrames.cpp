@@ -1,6 +1,6 @@
-// Milliseconds of a map of 1024 x 768 points with pins all over what it shows: adding them until they are drawn, a frame
-// of a pan, a frame of a zoom, a frame in which they fall, and the bytes that one takes. The argument is the number of
-// pins. "distant" has a million more pins on the map, out of view.
+// Milliseconds of a map of 1024 x 768 points with pins all over what it shows: adding them until they are drawn, a
+// frame of a pan, a frame of a zoom, a frame in which they fall, and the bytes that one takes. The argument is the
+// number of pins. "distant" has a million more pins on the map, out of view.
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/MapKit/MKPinAnnotationView.h"
@@ -41,8 +41,8 @@ public:
     std::shared_ptr<MKAnnotationView> mapViewViewForAnnotation(MKMapView& map,
                                                                const std::shared_ptr<MKAnnotation>& pin) override {
         static const NSString identifier("pin");
-        auto view = std::dynamic_pointer_cast<MKPinAnnotationView>(
-            map.dequeueReusableAnnotationViewWithIdentifier(identifier));
+        auto view =
+            std::dynamic_pointer_cast<MKPinAnnotationView>(map.dequeueReusableAnnotationViewWithIdentifier(identifier));
         if (!view) {
             view = MKPinAnnotationView::initWithAnnotationReuseIdentifier(pin, identifier);
         }

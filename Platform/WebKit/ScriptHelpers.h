@@ -46,7 +46,7 @@ protected:
 
 /// Reads the keys of a plan from a script object when it is made, up to the first that is no number, and answers
 /// WebScriptObject::valueForKey from what was read, in the plan's order, while it lives. On the stack of one call.
-class ScriptReadAhead final : ScriptValuesAhead {
+class ScriptReadAhead final : public ScriptValuesAhead {
 public:
     /// Does nothing for what is no live script object.
     ScriptReadAhead(const id& object, const ScriptKeyPlan& plan);

@@ -18,7 +18,7 @@
     const surfaceRules = `
         :host { display: block !important; position: absolute !important; inset: 0 !important; margin: 0 !important;
                 width: auto !important; height: auto !important; overflow: hidden !important; }
-        canvas { display: block; position: absolute; left: 0; top: 0; outline: none;
+        canvas { display: block; position: absolute; left: 0; top: 0; width: 100%; height: 100%; outline: none;
                  -webkit-user-select: none; user-select: none; -webkit-user-drag: none; }
         canvas:focus-visible, canvas:has(a:focus-visible) { outline: 2px solid Highlight; outline-offset: -2px; }`;
 
@@ -92,6 +92,7 @@
                     this.put(changes);
             };
 
+            // It takes input in the whole of its surface from the start, and has its own size from its first picture on.
             this.canvas = document.createElement('canvas');
             this.canvas.width = this.canvas.height = 0;
             this.canvas.tabIndex = 0;

@@ -24,7 +24,8 @@ protected:
     }
     /// What the map shows once it has reported a change that began after the last call.
     Region changed() {
-        EXPECT_TRUE(browser.waitUntil("return changes > (window.seen ?? 1);"));
+        EXPECT_TRUE(browser.waitUntil("return changes > (window.seen ?? 1);"))
+            << browser.run("return wheels;") << " turns of the wheel have reached the element";
         browser.run("window.seen = changes;");
         return region();
     }

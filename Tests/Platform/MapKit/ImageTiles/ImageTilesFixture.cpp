@@ -28,8 +28,10 @@ ImageTilesTest::~ImageTilesTest() {
 
 void ImageTilesTest::useServer(MKImageSetProperties properties, const std::string& pattern) {
     // Blocks of the work queue may use it after the test.
-    auto* const disk = new MKImageDisk(folder / "cache");
-    useSet(std::make_shared<MKWebImageSet>(MKTileAddress(server->origin() + pattern), std::move(properties), *disk));
+    static auto* const disks = new std::vector<std::unique_ptr<MKImageDisk>>;
+    disks->push_back(std::make_unique<MKImageDisk>(folder / "cache"));
+    useSet(std::make_shared<MKWebImageSet>(MKTileAddress(server->origin() + pattern), std::move(properties),
+                                           *disks->back()));
 }
 
 void ImageTilesTest::useSet(const std::shared_ptr<const MKImageSet>& set) {

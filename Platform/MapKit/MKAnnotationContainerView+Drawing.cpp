@@ -81,16 +81,21 @@ void MKAnnotationContainerView::updateOrder() {
         const MKAnnotationStore::Entry& entry = _store[static_cast<uint32_t>(key)];
         return !entry.view || entry.isNewInOrder;
     });
-    const auto sorted = static_cast<std::ptrdiff_t>(_order.size());
+    std::vector<uint64_t> added;
     for (const uint32_t number : _newInOrder) {
         _store[number].isNewInOrder = false;
         if (_store[number].view) {
-            _order.push_back(orderKey(_store[number].point, number));
+            added.push_back(orderKey(_store[number].point, number));
         }
     }
     _newInOrder.clear();
-    std::sort(_order.begin() + sorted, _order.end());
-    std::inplace_merge(_order.begin(), _order.begin() + sorted, _order.end());
+    if (added.empty()) {
+        return;
+    }
+    std::sort(added.begin(), added.end());
+    std::vector<uint64_t> merged(_order.size() + added.size());
+    std::merge(_order.begin(), _order.end(), added.begin(), added.end(), merged.begin());
+    _order = std::move(merged);
 }
 
 void MKAnnotationContainerView::updateSprites() {

@@ -1,66 +1,18 @@
-// Measures the map in a page: first frame, panning and zooming on the screen, idle cost, reads through the bridge,
-// pages that were left. Prints one line a figure. Starts a virtual display for itself.
-#include "Benchmarks/Pages/PageHost.h"
+// Measures the map in a page: first frame, movements on the screen, content, idle cost, reads through the bridge, pages
+// that were left. Prints one line a figure. Starts a virtual display for itself.
+#include "Benchmarks/Pages/Measurements.h"
 #include "Benchmarks/Pages/PageInput.h"
-#include "Benchmarks/Pages/ScreenFrames.h"
+#include "Benchmarks/Pages/SideBySide.h"
+#include "Benchmarks/Pages/VirtualDisplay.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <iostream>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace veyra::benchmark;
 
-extern char** environ;
-
 namespace {
-
-// An Xvfb whose screen can be watched; ends with the program.
-class VirtualDisplay {
-public:
-    VirtualDisplay() {
-        char name[] = "/tmp/veyra-benchmark-XXXXXX";
-        _folder = mkdtemp(name);
-        int ends[2];
-        if (pipe(ends) != 0)
-            exit(1);
-        const std::string number = std::to_string(ends[1]);
-        const char* arguments[] = {"Xvfb",   "-displayfd",    number.c_str(), "-screen", "0",    "1280x1024x24",
-                                   "-fbdir", _folder.c_str(), "-nolisten",    "tcp",     nullptr};
-        if (posix_spawnp(&_process, "Xvfb", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0) {
-            std::cerr << "Xvfb cannot be started; install the package xvfb\n";
-            exit(1);
-        }
-        close(ends[1]);
-        char display[16] = ":";
-        if (read(ends[0], display + 1, sizeof display - 2) <= 0)
-            exit(1);
-        close(ends[0]);
-        display[strcspn(display, "\n")] = 0;
-        setenv("DISPLAY", display, 1);
-    }
-    ~VirtualDisplay() {
-        kill(_process, SIGTERM);
-        waitpid(_process, nullptr, 0);
-        std::filesystem::remove_all(_folder);
-    }
-    const std::string& folder() const { return _folder; }
-
-private:
-    std::string _folder;
-    pid_t _process = 0;
-};
-
-void figure(const std::string& name, double value, const char* unit) {
-    std::printf("%-58s %9.2f %s\n", name.c_str(), value, unit);
-    std::fflush(stdout);
-}
 
 void measureFirstFrame(PageHost& host) {
     std::vector<double> times;
@@ -71,40 +23,8 @@ void measureFirstFrame(PageHost& host) {
                                   ".5, latitudeDelta: 12, longitudeDelta: 12 }";
         times.push_back(std::atof(host.run("return await firstFrame(" + place + ")").c_str()));
     }
-    figure("insertion to first complete frame, warm process, median", median(times), "ms");
-    figure("insertion to first complete frame, worst of 12", *std::max_element(times.begin(), times.end()), "ms");
-}
-
-void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::function<void()>& move) {
-    host.wait(0.5);
-    const int process = host.webProcess();
-    const auto before = host.statistics();
-    const double total = processSeconds(process), ours = threadSeconds(process, "veyra-main"),
-                 workers = threadSeconds(process, "veyra-tiles");
-    screen.start(100, 100, 800, 500);
-    move();
-    const auto gaps = screen.stop();
-    const auto after = host.statistics();
-    const double frames = static_cast<double>(after.at("frames-put") - before.at("frames-put"));
-    if (gaps.empty() || frames == 0) {
-        std::cerr << name << ": nothing reached the screen\n";
-        return;
-    }
-    auto sorted = gaps;
-    std::sort(sorted.begin(), sorted.end());
-    double sum = 0;
-    for (const double gap : gaps)
-        sum += gap;
-    figure(name + ": frames a second on the screen", 1000 * static_cast<double>(gaps.size()) / sum, "");
-    figure(name + ": gap between frames, 95th percentile", sorted[sorted.size() * 95 / 100], "ms");
-    figure(name + ": map thread, a frame", 1000 * (threadSeconds(process, "veyra-main") - ours) / frames, "ms cpu");
-    figure(name + ": tile workers, a frame", 1000 * (threadSeconds(process, "veyra-tiles") - workers) / frames,
-           "ms cpu");
-    figure(name + ": whole web process, a frame", 1000 * (processSeconds(process) - total) / frames, "ms cpu");
-}
-
-void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::string& script) {
-    measureMotion(host, screen, name, [&] { host.run(script); });
+    printFigure("insertion to first complete frame, warm process, median", median(times), "ms");
+    printFigure("insertion to first complete frame, worst of 12", *std::max_element(times.begin(), times.end()), "ms");
 }
 
 void measureGestures(PageHost& host, ScreenFrames& screen) {
@@ -116,7 +36,7 @@ void measureGestures(PageHost& host, ScreenFrames& screen) {
 
 void measureConversions(PageHost& host) {
     const double nanoseconds = std::atof(host.run("return await conversions()").c_str());
-    figure("convertCoordinateToPoint, calls a second", 1e3 / nanoseconds, "million");
+    printFigure("convertCoordinateToPoint, calls a second", 1e3 / nanoseconds, "million");
     const auto memory = [&] {
         host.collectGarbage();
         host.wait(1);
@@ -125,30 +45,19 @@ void measureConversions(PageHost& host) {
     host.run("await conversions(10)");
     const double before = memory();
     host.run("await conversions(50)");
-    figure("conversions: memory after 10 million more calls", memory() - before, "MB more");
+    printFigure("conversions: memory after 10 million more calls", memory() - before, "MB more");
 }
 
-// `content` is a script expression, `add` a call that adds it.
-void addAndMove(PageHost& host, ScreenFrames& screen, const std::string& what, const std::string& content,
-                const std::string& add) {
-    std::vector<double> times;
-    for (int i = 0; i < 5; ++i)
-        times.push_back(
-            std::atof(host.run("const content = " + content + "; return await timed(() => " + add + ")").c_str()));
-    figure("add " + what + " until drawn, median of 5", median(times), "ms");
-    measureMotion(host, screen, "pan " + what, "await pan(300, 48, 10, 3)");
-    measureMotion(host, screen, "zoom " + what, "await zoom(300, 48, 10)");
-    host.run("clear()");
-}
-
-void measureContent(PageHost& host, ScreenFrames& screen) {
-    addAndMove(host, screen, "10,000 pins", "pins(10000)", "map.addAnnotations(content)");
-    addAndMove(host, screen, "10,000 pins, one a call,", "pins(10000)",
-               "content.forEach((pin) => map.addAnnotation(pin))");
-    addAndMove(host, screen, "100,000 pins", "pins(100000)", "map.addAnnotations(content)");
-    addAndMove(host, screen, "a line of 200,000 vertices", "line(200000)", "map.addOverlay(content)");
-    addAndMove(host, screen, "a line of 1,000,000 vertices", "line(1000000)", "map.addOverlay(content)");
-    addAndMove(host, screen, "2,000 polygons of 24 vertices", "polygons(2000)", "map.addOverlays(content)");
+void measureContents(PageHost& host, ScreenFrames& screen) {
+    for (const Content& content : {
+             Content{"10,000 pins", "pins(10000)", "addPins"},
+             Content{"10,000 pins, one a call,", "pins(10000)", "addPinsOneByOne"},
+             Content{"100,000 pins", "pins(100000)", "addPins"},
+             Content{"a line of 200,000 vertices", "line(200000)", "addLine"},
+             Content{"a line of 1,000,000 vertices", "line(1000000)", "addLine"},
+             Content{"2,000 polygons of 24 vertices", "polygons(2000)", "addPolygons"},
+         })
+        measureContent(host, screen, content);
 }
 
 void measureIdle(PageHost& host, const char* name) {
@@ -158,9 +67,10 @@ void measureIdle(PageHost& host, const char* name) {
     const double busy = processSeconds(process);
     host.wait(10);
     const auto after = host.statistics();
-    figure(std::string(name) + ": processor", 100 * (processSeconds(process) - busy) / 10, "% of a core");
-    figure(std::string(name) + ": animation frames requested in 10 s",
-           static_cast<double>(after.at("animation-frames-requested") - before.at("animation-frames-requested")), "");
+    printFigure(std::string(name) + ": processor", 100 * (processSeconds(process) - busy) / 10, "% of a core");
+    printFigure(std::string(name) + ": animation frames requested in 10 s",
+                static_cast<double>(after.at("animation-frames-requested") - before.at("animation-frames-requested")),
+                "");
 }
 
 void measureReads(PageHost& host) {
@@ -170,10 +80,10 @@ void measureReads(PageHost& host) {
         std::cerr << "no read times: " << answer << '\n';
         return;
     }
-    figure("read of a bare native accessor on an <object>", bare, "ns");
-    figure("read of zoomEnabled", boolean, "ns");
-    figure("read of mapType", number, "ns");
-    figure("read of zoomEnabled / bare accessor", boolean / bare, "times");
+    printFigure("read of a bare native accessor on an <object>", bare, "ns");
+    printFigure("read of zoomEnabled", boolean, "ns");
+    printFigure("read of mapType", number, "ns");
+    printFigure("read of zoomEnabled / bare accessor", boolean / bare, "times");
 }
 
 void measureLeftPages(PageHost& host, const std::string& page) {
@@ -191,8 +101,8 @@ void measureLeftPages(PageHost& host, const std::string& page) {
         host.collectGarbage();
     }
     const auto left = host.statistics();
-    figure("200 left pages: views alive", static_cast<double>(left.at("views")), "");
-    figure("200 left pages: script contexts alive", static_cast<double>(left.at("contexts")), "");
+    printFigure("200 left pages: views alive", static_cast<double>(left.at("views")), "");
+    printFigure("200 left pages: script contexts alive", static_cast<double>(left.at("contexts")), "");
 }
 
 } // namespace
@@ -201,24 +111,29 @@ int main(int argc, char** argv) {
     const VirtualDisplay display;
     gtk_init(&argc, &argv);
     ScreenFrames screen(display.folder());
+    if (argc == 3 && std::string(argv[1]) == "--side-by-side") {
+        measureSideBySide(screen, argv[2]);
+        return 0;
+    }
+    if (argc > 1) {
+        std::cerr << "usage: bench-pages [--side-by-side FOLDER-OF-NODE-MODULES]\n";
+        return 2;
+    }
     const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html";
-    const std::string world =
-        "insert(); map.setRegion({ latitude: 48, longitude: 10, latitudeDelta: 20, longitudeDelta: 20 }, false);"
-        "await new Promise(r => setTimeout(r, 1500));";
     for (const bool composited : {false, true}) {
-        PageHost host({VEYRA_EXTENSIONS, composited, 1024, 768});
+        PageHost host({VEYRA_EXTENSIONS, composited});
         host.load(page);
         const std::string way = composited ? " (engine's default way to the screen)" : "";
         if (!composited) {
             measureIdle(host, "idle, the page without a map");
             measureFirstFrame(host);
         }
-        host.run(world);
+        host.run("await library.start()");
         measureMotion(host, screen, "pan" + way, "await pan(600, 48, 10, 3)");
         measureMotion(host, screen, "zoom" + way, "await zoom(600, 48, 10)");
         if (!composited) {
             measureGestures(host, screen);
-            measureContent(host, screen);
+            measureContents(host, screen);
             measureConversions(host);
             measureIdle(host, "idle, one map");
             measureReads(host);

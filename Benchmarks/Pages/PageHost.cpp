@@ -58,7 +58,8 @@ void turnUntil(const bool& done) {
 
 PageHost::PageHost(const PageOptions& options) {
     WebKitWebContext* context = webkit_web_context_new();
-    webkit_web_context_set_web_extensions_directory(context, options.extensions.c_str());
+    if (!options.extensions.empty())
+        webkit_web_context_set_web_extensions_directory(context, options.extensions.c_str());
     _view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context, nullptr));
     WebKitSettings* settings = webkit_web_view_get_settings(_view);
     webkit_settings_set_enable_page_cache(settings, TRUE);
@@ -179,14 +180,15 @@ void PageHost::collectGarbage() {
 }
 
 int PageHost::webProcess() const {
+    int newest = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         const std::string name = entry.path().filename();
         if (!std::all_of(name.begin(), name.end(), ::isdigit) || firstLine(entry.path() / "comm") != "WebKitWebProces")
             continue;
         if (isDescendantOf(name, getpid()))
-            return std::stoi(name);
+            newest = std::max(newest, std::stoi(name));
     }
-    return 0;
+    return newest;
 }
 
 double processSeconds(int process) {

@@ -12,7 +12,7 @@
 namespace veyra::benchmark {
 
 struct PageOptions {
-    std::string extensions;  ///< the folder of the module
+    std::string extensions;  ///< the folder of the module; empty for none
     bool composited = false; ///< the engine's default way to the screen instead of the fast one without a GPU
     int width = 1024, height = 768;
 };
@@ -34,7 +34,7 @@ public:
     void collectGarbage();
     WebKitWebView* view() const { return _view; }
 
-    /// The process that runs the page.
+    /// The process that runs the page: that of the youngest host.
     int webProcess() const;
 
 private:

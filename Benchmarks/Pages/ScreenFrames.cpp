@@ -17,6 +17,10 @@ using Clock = std::chrono::steady_clock;
 constexpr int rowStep = 13, columnStep = 7;
 constexpr double shortestGap = 3; // ms: a frame that arrives in two parts is one
 
+double millisecondsSince1970() {
+    return std::chrono::duration<double, std::milli>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
 } // namespace
 
 ScreenFrames::ScreenFrames(const std::string& folder) {
@@ -60,7 +64,7 @@ void ScreenFrames::start(int x, int y, int width, int height) {
     _y = y;
     _width = width;
     _height = height;
-    _gaps.clear();
+    _changes = {};
     _running = true;
     _thread = std::thread([this] { watch(); });
 }
@@ -73,9 +77,11 @@ void ScreenFrames::watch() {
         const uint64_t now = sample();
         const auto time = Clock::now();
         const double gap = std::chrono::duration<double, std::milli>(time - last).count();
+        if (now != shown)
+            _changes.lastChange = millisecondsSince1970();
         if (now != shown && (first || gap > shortestGap)) {
             if (!first)
-                _gaps.push_back(gap);
+                _changes.gaps.push_back(gap);
             first = false;
             last = time;
         }
@@ -84,11 +90,11 @@ void ScreenFrames::watch() {
     }
 }
 
-std::vector<double> ScreenFrames::stop() {
+ScreenFrames::Changes ScreenFrames::stop() {
     _running = false;
     if (_thread.joinable())
         _thread.join();
-    return std::move(_gaps);
+    return std::move(_changes);
 }
 
 } // namespace veyra::benchmark

@@ -18,8 +18,11 @@ public:
 
     /// Watches the part of the screen (pixels) until `stop`.
     void start(int x, int y, int width, int height);
-    /// The gaps between frames, in milliseconds, in order.
-    std::vector<double> stop();
+    struct Changes {
+        std::vector<double> gaps; ///< between frames, in milliseconds, in order
+        double lastChange = 0;    ///< when, in milliseconds since 1970; 0 for never
+    };
+    Changes stop();
 
 private:
     uint64_t sample() const;
@@ -32,7 +35,7 @@ private:
     int _x = 0, _y = 0, _width = 0, _height = 0;
     std::atomic<bool> _running{false};
     std::thread _thread;
-    std::vector<double> _gaps; // the thread's until it has been joined
+    Changes _changes; // the thread's until it has been joined
 };
 
 } // namespace veyra::benchmark

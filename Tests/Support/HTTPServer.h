@@ -2,16 +2,14 @@
 // connection byte by byte, so that it can lie about its length, stop in the middle or never begin. Its own thread.
 #pragma once
 
-#include <atomic>
+#include "Tests/Support/LoopbackServer.h"
+
 #include <map>
 #include <mutex>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace veyra::test {
 
-class HTTPServer {
+class HTTPServer : public LoopbackServer {
 public:
     struct Answer {
         std::string bytes;             ///< status line, headers and body
@@ -22,12 +20,10 @@ public:
     };
 
     HTTPServer();
-    ~HTTPServer();
-    HTTPServer(const HTTPServer&) = delete;
-    HTTPServer& operator=(const HTTPServer&) = delete;
+    ~HTTPServer() override;
 
     /// "http://127.0.0.1:PORT" and the path.
-    std::string url(const std::string& path) const { return "http://127.0.0.1:" + std::to_string(_port) + path; }
+    std::string url(const std::string& path) const { return origin() + path; }
     /// What a GET of the path is answered with; others get a 404 with a page.
     void answer(const std::string& path, Answer answer);
     /// A 200 with that body, its length announced.
@@ -40,30 +36,18 @@ public:
     std::vector<std::string> requests() const;
     /// How often the path was asked for.
     size_t count(const std::string& path) const;
-    /// Connections that the other side closed before they were answered in full.
-    size_t abandoned() const { return _abandoned; }
 
 private:
-    void run();
-    void handle(int connection);
-    void send(int connection, const Answer& answer);
+    void answer(int connection, const std::string& head) override;
+    void sendAnswer(int connection, const Answer& answer);
 
-    int _socket = -1;
-    unsigned _port = 0;
-    std::atomic<bool> _stopping{false};
     std::atomic<bool> _held{false};
-    std::atomic<size_t> _abandoned{0};
     mutable std::mutex _mutex;
     std::map<std::string, Answer> _answers; // guarded by _mutex
     std::vector<std::string> _requests;     // guarded by _mutex
-    std::vector<std::thread> _connections;  // of the accepting thread, until it has ended
-    std::thread _thread;
 };
 
 /// The bytes of an answer: a status line, a length, further header lines each with its CRLF, and the body.
 std::string httpAnswer(const std::string& status, const std::string& body, const std::string& headers = {});
-
-/// A loopback port on which nobody listens.
-unsigned refusedPort();
 
 } // namespace veyra::test

@@ -3,13 +3,8 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <algorithm>
-#include <arpa/inet.h>
-#include <chrono>
 #include <cstdio>
-#include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace veyra::test {
 
@@ -23,25 +18,12 @@ std::string TileRequest::field(const std::string& name) const {
     return std::string(value, std::find(value, head.end(), '\r'));
 }
 
-TileServer::TileServer(Handler handler)
-    : _socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)), _handler(std::move(handler)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    bind(_socket, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    socklen_t length = sizeof address;
-    getsockname(_socket, reinterpret_cast<sockaddr*>(&address), &length);
-    _port = ntohs(address.sin_port);
-    listen(_socket, 128);
-    _thread = std::thread([this] { run(); });
+TileServer::TileServer(Handler handler) : _handler(std::move(handler)) {
+    start();
 }
 
 TileServer::~TileServer() {
-    _stopping = true;
-    _thread.join();
-    for (std::thread& connection : _connections)
-        connection.join();
-    close(_socket);
+    stop();
 }
 
 void TileServer::setHandler(Handler handler) {
@@ -65,51 +47,14 @@ void TileServer::forgetRequests() {
     _requests.clear();
 }
 
-void TileServer::run() {
-    while (!_stopping) {
-        pollfd waiting{_socket, POLLIN, 0};
-        if (poll(&waiting, 1, 20) <= 0)
-            continue;
-        const int connection = accept4(_socket, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection >= 0)
-            _connections.emplace_back([this, connection] { serve(connection); });
+void TileServer::answer(int connection, const std::string& head) {
+    TileRequest request{.path = requestedPath(head), .head = head};
+    std::sscanf(request.path.c_str(), "/%d/%d/%d", &request.zoom, &request.column, &request.row);
+    const int now = ++_atOnce;
+    for (int most = _mostAtOnce; now > most && !_mostAtOnce.compare_exchange_weak(most, now);) {
     }
-}
-
-void TileServer::serve(int connection) {
-    TileRequest request;
-    while (!_stopping && !request.head.ends_with("\r\n\r\n")) {
-        pollfd waiting{connection, POLLIN, 0};
-        if (poll(&waiting, 1, 20) <= 0)
-            continue;
-        char bytes[4096];
-        const ssize_t count = read(connection, bytes, sizeof bytes);
-        if (count <= 0)
-            break;
-        request.head.append(bytes, static_cast<size_t>(count));
-    }
-    if (request.head.ends_with("\r\n\r\n")) {
-        request.path = request.head.substr(4, request.head.find(' ', 4) - 4);
-        std::sscanf(request.path.c_str(), "/%d/%d/%d", &request.zoom, &request.column, &request.row);
-        const int now = ++_atOnce;
-        for (int most = _mostAtOnce; now > most && !_mostAtOnce.compare_exchange_weak(most, now);) {
-        }
-        answer(connection, request);
-        --_atOnce;
-    }
-    close(connection);
-}
-
-bool TileServer::isLeft(int connection, double seconds) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    do {
-        pollfd waiting{connection, POLLRDHUP, 0};
-        if (poll(&waiting, 1, 5) > 0) {
-            ++_abandoned;
-            return true;
-        }
-    } while (!_stopping && std::chrono::steady_clock::now() < end);
-    return _stopping;
+    answer(connection, request);
+    --_atOnce;
 }
 
 void TileServer::answer(int connection, const TileRequest& request) {
@@ -130,14 +75,7 @@ void TileServer::answer(int connection, const TileRequest& request) {
     const long length = answer.announced < 0 ? static_cast<long>(answer.body.size()) : answer.announced;
     const std::string bytes = "HTTP/1.1 " + answer.status + "\r\nContent-Length: " + std::to_string(length) + "\r\n" +
                               answer.fields + "Connection: close\r\n\r\n" + answer.body;
-    for (size_t sent = 0; sent < bytes.size();) {
-        const ssize_t count = send(connection, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-        if (count <= 0) {
-            ++_abandoned;
-            return;
-        }
-        sent += static_cast<size_t>(count);
-    }
+    send(connection, bytes);
 }
 
 uint32_t tileColor(int zoom, int column, int row) {

@@ -3,13 +3,10 @@
 // own threads; every method may be called on any thread.
 #pragma once
 
-#include <atomic>
+#include "Tests/Support/LoopbackServer.h"
+
 #include <functional>
-#include <map>
 #include <mutex>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace veyra::test {
 
@@ -31,19 +28,15 @@ struct TileAnswer {
     long announced = -1; ///< length that is announced; below 0: that of the body
 };
 
-class TileServer {
+class TileServer : public LoopbackServer {
 public:
     using Handler = std::function<TileAnswer(const TileRequest&)>;
 
     explicit TileServer(Handler handler);
-    ~TileServer();
-    TileServer(const TileServer&) = delete;
-    TileServer& operator=(const TileServer&) = delete;
+    ~TileServer() override;
 
     /// Replaces what later requests are answered with.
     void setHandler(Handler handler);
-    /// "http://127.0.0.1:PORT".
-    std::string origin() const { return "http://127.0.0.1:" + std::to_string(_port); }
     /// The pattern of the tiles' addresses.
     std::string pattern() const { return origin() + "/{z}/{x}/{y}.png"; }
 
@@ -53,24 +46,15 @@ public:
     void forgetRequests();
     /// The most requests that were being answered at one time.
     int mostAtOnce() const { return _mostAtOnce; }
-    /// Requests that the other side left before they were answered.
-    int abandoned() const { return _abandoned; }
 
 private:
-    void run();
-    void serve(int connection);
-    bool isLeft(int connection, double seconds);
+    void answer(int connection, const std::string& head) override;
     void answer(int connection, const TileRequest& request);
 
-    const int _socket;
-    unsigned _port = 0;
-    std::atomic<bool> _stopping{false};
-    std::atomic<int> _atOnce{0}, _mostAtOnce{0}, _abandoned{0};
+    std::atomic<int> _atOnce{0}, _mostAtOnce{0};
     mutable std::mutex _mutex;
     Handler _handler;                   // guarded by _mutex
     std::vector<TileRequest> _requests; // guarded by _mutex
-    std::vector<std::thread> _connections;
-    std::thread _thread;
 };
 
 /// The colour of a tile in the images below, 0x00RRGGBB: one for each tile of the first zooms.

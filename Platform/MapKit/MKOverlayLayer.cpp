@@ -20,8 +20,6 @@ constexpr int margin = 160, nearEdge = 80;
 constexpr double leastRatio = 0.8, greatestRatio = 1.6;
 // unless the last one took less than this: then the next is drawn as soon as it is wanted. Seconds.
 constexpr double littleTime = 0.006;
-// How long a drawing goes on with a figure that has been taken away.
-constexpr std::chrono::duration<double> patience(0.25);
 
 PixelRect wholeOf(const MKPixelView& view) {
     return {0, 0, view.width, view.height};
@@ -52,7 +50,7 @@ void MKOverlayLayer::setFigures(MKOverlayFigures figures) {
 // Every other drawing goes on all the same: a figure that changes all the time is drawn now and then, however long it
 // takes.
 void MKOverlayLayer::abandonIfStale() {
-    if (!_ticket || _wasAbandoned || std::chrono::steady_clock::now() - _began < patience) {
+    if (!_ticket || _wasAbandoned) {
         return;
     }
     const MKOverlayFigure* const drawn = _ticket->figure();
@@ -131,7 +129,6 @@ void MKOverlayLayer::update() {
 
 void MKOverlayLayer::draw(const MKOverlayScene& scene) {
     _ticket = std::make_shared<MKDrawingTicket>();
-    _began = std::chrono::steady_clock::now();
     MKOverlayWorker::shared().run([scene, former = _image, ticket = _ticket, weak = std::weak_ptr(_self)]() mutable {
         const auto begin = std::chrono::steady_clock::now();
         std::shared_ptr<const MKOverlayImage> image;

@@ -9,7 +9,6 @@
 #include "Platform/MapKit/MKOverlayImage.h"
 #include "Platform/UIKit/UIView.h"
 
-#include <chrono>
 #include <functional>
 
 namespace veyra {
@@ -45,7 +44,7 @@ private:
     void draw(const MKOverlayScene& scene);
     void take(std::shared_ptr<const MKOverlayImage> image, double seconds);
     void reportChanges(const MKOverlayImage* image);
-    /// Gives up the drawing under way when it is long at a figure that is gone.
+    /// Gives up the drawing under way when it is at a figure that is gone.
     void abandonIfStale();
     /// Where a part of an image lies in the view now, in pixels, rounded outwards.
     PixelRect placeOf(const PixelRect& part, const MKOverlayImage& image) const;
@@ -63,10 +62,9 @@ private:
 
     std::shared_ptr<const MKOverlayImage> _image;
     std::shared_ptr<MKDrawingTicket> _ticket; // of the drawing under way
-    std::chrono::steady_clock::time_point _began;
-    bool _wasAbandoned = false; // the last drawing: the next one may take its time
-    bool _hasFailed = false;    // no picture of this scene can be had
-    double _lastDrawing = 0;    // seconds that the last picture took
+    bool _wasAbandoned = false;               // the last drawing: the next one may take its time
+    bool _hasFailed = false;                  // no picture of this scene can be had
+    double _lastDrawing = 0;                  // seconds that the last picture took
 };
 
 } // namespace veyra

@@ -1,6 +1,8 @@
 // Areas, and the way a line is stroked.
 #include "Platform/MapKit/MKPathPainter.h"
 
+#include "Platform/MapKit/MKRingMask.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -49,8 +51,15 @@ double MKPathPainter::reachOf(const MKPathStyle& style, double width) {
 }
 
 void MKPathPainter::fill(const MKOutline& ring, const MKPathStyle::Color& color) {
+    _ticket.check();
     cutRing(ring);
     if (_ring.size() < 3) {
+        return;
+    }
+    cairo_set_source_rgba(_cairo, color.red, color.green, color.blue, color.alpha);
+    if (MKRingMask::isWorthIt(_ring, _pixels)) {
+        const auto coverage = MKRingMask(_pixels, _ticket).coverageOf(_ring);
+        cairo_mask_surface(_cairo, coverage.get(), _pixels.x, _pixels.y);
         return;
     }
     cairo_new_path(_cairo);
@@ -58,7 +67,6 @@ void MKPathPainter::fill(const MKOutline& ring, const MKPathStyle::Color& color)
         cairo_line_to(_cairo, point.x, point.y);
     }
     cairo_close_path(_cairo);
-    cairo_set_source_rgba(_cairo, color.red, color.green, color.blue, color.alpha);
     cairo_set_fill_rule(_cairo, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_fill(_cairo);
 }
@@ -109,22 +117,25 @@ void MKPathPainter::stroke(const MKOutline& outline, const MKPathStyle& style, d
     }
     _ticket.check();
     cutLine(outline, _area.outset(reachOf(style, width) + 1));
+    const bool isThicket = lengthOfPieces() > thicket;
+    if (isThicket) { // its corners are round: none reaches far
+        cutLine(outline, _area.outset(width / 2 + 1));
+    }
     if (_pieces.empty()) {
         return;
     }
     setDashes(style, deviceScale);
     const bool isTone =
         !_dashEnds.empty() && 2 * _dashEnds.back() < finestDashes * static_cast<double>(_dashEnds.size());
-    const double length = lengthOfPieces();
     const bool isDashed = !_dashEnds.empty() && !isTone &&
-                          length / _dashEnds.back() * static_cast<double>(_dashEnds.size()) <= mostDashes;
+                          lengthOfPieces() / _dashEnds.back() * static_cast<double>(_dashEnds.size()) <= mostDashes;
     if (!isDashed) {
         joinEnds(outline);
     }
     // The ends of a ring that is not dashed are out of sight.
     const bool isRound =
         style.join == kCGLineJoinRound && (style.cap == kCGLineCapRound || (outline.isClosed && !isDashed));
-    _usesMask = (isRound && width <= widestMask) || length > thicket;
+    _usesMask = (isRound && width <= widestMask) || isThicket;
     if (_usesMask) {
         if (!_mask) {
             _mask = std::make_unique<MKStrokeMask>(_pixels);

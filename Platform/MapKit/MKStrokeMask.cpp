@@ -47,6 +47,10 @@ void MKStrokeMask::lineTo(MKPixelPoint point) {
     const auto fromX = static_cast<float>(_at.x - _area.x), fromY = static_cast<float>(_at.y - _area.y);
     const auto toX = static_cast<float>(point.x - _area.x), toY = static_cast<float>(point.y - _area.y);
     _at = point;
+    if (_wholeRows == _area.height || std::max(fromX, toX) + _reach < 0 ||
+        std::min(fromX, toX) - _reach > static_cast<float>(_area.width)) {
+        return;
+    }
     const float dx = toX - fromX, dy = toY - fromY;
     const float squared = dx * dx + dy * dy;
     const Stretch stretch{fromX, fromY, dx, dy, squared > 0 ? 1 / squared : 0};
@@ -94,6 +98,7 @@ void MKStrokeMask::addRow(const Stretch& stretch, int row, float from, float to)
         coverage[column] = std::max(coverage[column], value);
         extent.whole += value == whole;
     }
+    _wholeRows += extent.whole == _area.width;
     extent.first = std::min(extent.first, first);
     extent.end = std::max(extent.end, end);
     _firstRow = std::min(_firstRow, row);
@@ -130,6 +135,7 @@ void MKStrokeMask::paint(cairo_surface_t* surface, int left, int top, const MKPa
     }
     _firstRow = _area.height;
     _endRow = 0;
+    _wholeRows = 0;
 }
 
 } // namespace veyra

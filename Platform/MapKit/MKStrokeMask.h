@@ -40,6 +40,7 @@ private:
     };
     std::vector<Extent> _rows;
     int _firstRow, _endRow; // that hold anything
+    int _wholeRows = 0;     // that cannot hold more
 };
 
 } // namespace veyra

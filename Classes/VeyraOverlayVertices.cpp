@@ -6,6 +6,7 @@
 #include "Platform/WebKit/ScriptNumbers.h"
 
 #include <utility>
+#include <vector>
 
 namespace veyra {
 
@@ -22,15 +23,18 @@ std::optional<MKVertexList> VerticesFromWebScriptObject(const id& object, const 
         return std::nullopt;
     }
     MKVertexList vertices;
+    std::vector<CLLocationCoordinate2D> run;
     std::optional<double> latitude; // of a vertex whose longitude comes with the next run
     if (count > 0)
         ScriptNumbers(*array).read(count, [&](std::span<const double> numbers) {
+            run.clear();
             for (const double number : numbers) {
                 if (latitude)
-                    vertices.append(CLLocationCoordinate2DMake(*std::exchange(latitude, std::nullopt), number));
+                    run.push_back(CLLocationCoordinate2DMake(*std::exchange(latitude, std::nullopt), number));
                 else
                     latitude = number;
             }
+            vertices.append(run);
         });
     vertices.complete();
     return vertices;

@@ -6,7 +6,9 @@
 #include "Classes/WebScriptObject+VeyraExtras.h"
 #include "Platform/Foundation/NSException.h"
 
+#include <functional>
 #include <new>
+#include <utility>
 
 namespace veyra {
 
@@ -14,17 +16,16 @@ namespace {
 
 using MapOverlays = std::vector<std::shared_ptr<MKOverlay>>;
 
-/// The overlay of an element of a batch. What the platform raises about an element makes it a bad one: the batch goes
-/// on, and the script gets the exception when the call returns.
-std::shared_ptr<VeyraOverlay> overlayOfElement(const id& element) {
+/// What the platform raises about an element of a batch makes that a bad one: the batch goes on, and the script gets
+/// the exception when the call returns.
+void guardElement(const std::function<void()>& take) {
     try {
-        return VeyraOverlayFromWebScriptObject(element);
+        take();
     } catch (const NSException& raised) {
         WebScriptObject::throwException(raised.reason());
     } catch (const std::bad_alloc&) {
         WebScriptObject::throwException("Out of memory");
     }
-    return nullptr;
 }
 
 } // namespace
@@ -70,10 +71,16 @@ void VeyraView::addOverlays(const id& overlays) {
     if (!VeyraValidateWebScriptObject(overlays, nullptr, callerName("addOverlays:"), {"length"}))
         return;
     MapOverlays accepted;
+    bool lastWasUndefined = false;
     forEachElement(overlays, [&](const id& element) {
-        const auto made = overlayOfElement(element);
-        if (made && storeOverlay(made))
-            accepted.push_back(made);
+        // Of undefined elements in a row the first has said it all: a false length costs as little as it can.
+        if (std::exchange(lastWasUndefined, element.isUndefined()) && lastWasUndefined)
+            return;
+        guardElement([&] {
+            const auto made = VeyraOverlayFromWebScriptObject(element);
+            if (made && storeOverlay(made))
+                accepted.push_back(made);
+        });
     });
     onMap([accepted = std::move(accepted)](MKMapView& map) { map.addOverlays(accepted); });
 }

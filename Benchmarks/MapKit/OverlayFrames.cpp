@@ -242,6 +242,59 @@ void polygonsUntilDrawn(benchmark::State& state) {
 }
 BENCHMARK(polygonsUntilDrawn)->Arg(2000)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 
+/// One of the polygons is taken away and another one put at its place, until that is drawn.
+void changePolygon(benchmark::State& state) {
+    Scene scene;
+    auto made = polygons(static_cast<size_t>(state.range(0)));
+    scene.map->addOverlays(made);
+    scene.settle();
+    const auto spare = polygons(2 * made.size());
+    size_t turn = 0;
+    for (auto _ : state) {
+        const size_t place = ++turn % made.size();
+        const auto& other = made[place] == spare[place] ? spare[made.size() + place] : spare[place];
+        scene.map->removeOverlay(made[place]);
+        scene.map->insertOverlayAtIndex(other, place);
+        made[place] = other;
+        scene.settle();
+    }
+}
+BENCHMARK(changePolygon)->Arg(2000)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+
+/// Two of the polygons change places in the drawing order, until that is drawn.
+void exchangePolygons(benchmark::State& state) {
+    Scene scene;
+    scene.map->addOverlays(polygons(static_cast<size_t>(state.range(0))));
+    scene.settle();
+    uint64_t turn = 0;
+    for (auto _ : state) {
+        ++turn;
+        scene.map->exchangeOverlayAtIndexWithOverlayAtIndex(turn % 2000, turn * 7 % 2000);
+        scene.settle();
+    }
+}
+BENCHMARK(exchangePolygons)->Arg(2000)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+
+/// A line of some hundred vertices that grows, beside a long one, until each new vertex is drawn.
+void growLine(benchmark::State& state) {
+    Scene scene;
+    scene.map->addOverlay(MKPolyline::polylineWithCoordinates(track(static_cast<size_t>(state.range(0)))));
+    const auto whole = track(1000000);
+    const std::span<const CLLocationCoordinate2D> all(whole);
+    std::shared_ptr<MKPolyline> growing;
+    size_t count = 2;
+    for (auto _ : state) {
+        if (growing) {
+            scene.map->removeOverlay(growing);
+        }
+        count = count == 500 ? 2 : count + 1;
+        growing = MKPolyline::polylineWithCoordinates(all.subspan(0, count));
+        scene.map->addOverlay(growing);
+        scene.settle();
+    }
+}
+BENCHMARK(growLine)->Arg(0)->Arg(200000)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+
 } // namespace
 
 int main(int argc, char** argv) {

@@ -6,6 +6,8 @@
 #include "Platform/MapKit/MKOverlayList.h"
 #include "Platform/UIKit/UIWindow.h"
 
+#include <string>
+
 namespace veyra {
 
 std::vector<std::shared_ptr<MKOverlay>> MKMapView::overlays() const {
@@ -49,7 +51,8 @@ void MKMapView::insertOverlayBelowOverlay(const std::shared_ptr<MKOverlay>& over
 void MKMapView::exchangeOverlayAtIndexWithOverlayAtIndex(uint64_t first, uint64_t second) {
     const bool isOnMap = _overlays->exchange(first, second);
     if (!isOnMap) {
-        NSLog("MKMapView: there are no two overlays at the indexes %@ and %@ to exchange", {id(first), id(second)});
+        NSLog("MKMapView: there are no two overlays at the indexes %@ and %@ to exchange",
+              {NSString(std::to_string(first)), NSString(std::to_string(second))}); // as numbers they would lose digits
     }
     overlaysChanged(isOnMap);
 }

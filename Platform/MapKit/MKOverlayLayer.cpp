@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace veyra {
 
@@ -30,12 +31,31 @@ MKOverlayLayer::MKOverlayLayer(std::function<void(const CGRect&)> changed, std::
     : _changed(std::move(changed)), _drawn(std::move(drawn)), _self(std::make_shared<MKOverlayLayer*>(this)),
       _figures(std::make_shared<const MKOverlayFigures>()) {}
 
+MKOverlayLayer::~MKOverlayLayer() {
+    if (_ticket) {
+        _ticket->abandon();
+    }
+}
+
 void MKOverlayLayer::setFigures(MKOverlayFigures figures) {
     std::erase_if(figures, [](const auto& figure) { return !figure || !figure->isVisible(); });
     if (figures != *_figures) {
         _figures = std::make_shared<const MKOverlayFigures>(std::move(figures));
         _hasFailed = false;
+        abandonIfStale();
         update();
+    }
+}
+
+// Every other drawing goes on all the same: a figure that changes all the time is drawn now and then, however long it
+// takes.
+void MKOverlayLayer::abandonIfStale() {
+    if (!_ticket || _wasAbandoned) {
+        return;
+    }
+    const MKOverlayFigure* const drawn = _ticket->figure();
+    if (std::none_of(_figures->begin(), _figures->end(), [=](const auto& figure) { return figure.get() == drawn; })) {
+        _ticket->abandon();
     }
 }
 
@@ -52,8 +72,12 @@ bool MKOverlayLayer::isExact() const {
     if (!_image || _image->scene().figures != _figures) {
         return _figures->empty() && !_image;
     }
-    const MKPixelView& drawn = _image->scene().view;
-    return drawn.scale == _view.scale && _image->scene().deviceScale == _deviceScale && drawn.left <= _view.left &&
+    return covers(*_image);
+}
+
+bool MKOverlayLayer::covers(const MKOverlayImage& image) const {
+    const MKPixelView& drawn = image.scene().view;
+    return drawn.scale == _view.scale && image.scene().deviceScale == _deviceScale && drawn.left <= _view.left &&
            drawn.top <= _view.top && drawn.left + drawn.width >= _view.left + _view.width &&
            drawn.top + drawn.height >= _view.top + _view.height;
 }
@@ -83,7 +107,7 @@ bool MKOverlayLayer::isWaiting() const {
 }
 
 void MKOverlayLayer::update() {
-    if (!isShown() || _isDrawing || _hasFailed) {
+    if (!isShown() || _ticket || _hasFailed) {
         return;
     }
     if (_figures->empty()) {
@@ -100,13 +124,17 @@ void MKOverlayLayer::update() {
     scene.view.top -= margin;
     scene.view.width += 2 * margin;
     scene.view.height += 2 * margin;
-    _isDrawing = true;
-    MKOverlayWorker::shared().run([scene, former = _image, weak = std::weak_ptr(_self)]() mutable {
+    draw(scene);
+}
+
+void MKOverlayLayer::draw(const MKOverlayScene& scene) {
+    _ticket = std::make_shared<MKDrawingTicket>();
+    MKOverlayWorker::shared().run([scene, former = _image, ticket = _ticket, weak = std::weak_ptr(_self)]() mutable {
         const auto begin = std::chrono::steady_clock::now();
         std::shared_ptr<const MKOverlayImage> image;
         try {
-            image = MKOverlayImage::draw(scene, former.get());
-        } catch (const std::exception&) { // there is no memory
+            image = MKOverlayImage::draw(scene, former.get(), *ticket);
+        } catch (const std::exception&) { // there is no memory, or nobody wants it
             image = nullptr;
         }
         former.reset();
@@ -120,28 +148,43 @@ void MKOverlayLayer::update() {
 }
 
 void MKOverlayLayer::take(std::shared_ptr<const MKOverlayImage> image, double seconds) {
-    _isDrawing = false;
+    const auto ticket = std::exchange(_ticket, nullptr);
     _lastDrawing = seconds;
-    if (!image) {
+    _wasAbandoned = !image && ticket->isAbandoned();
+    if (!image && !_wasAbandoned) {
         NSLog("MKMapView: there is no memory for a picture of the overlays");
         _hasFailed = true;
     }
-    // Where the former picture was and where the new one is, pixels change; between pictures of the same, nowhere.
-    const bool isSame = image && _image && image->scene().figures == _image->scene().figures &&
-                        image->scene().view.scale == _image->scene().view.scale && isExact();
-    for (const auto& changed : {_image, image}) {
-        const PixelRect place =
-            changed && !isSame ? intersection(placeOf(changed->content(), *changed), wholeOf(_view)) : PixelRect{};
-        if (!place.isEmpty()) {
-            _changed({{place.x / _deviceScale, place.y / _deviceScale},
-                      {place.width / _deviceScale, place.height / _deviceScale}});
-        }
+    if (!_wasAbandoned) {
+        reportChanges(image.get());
     }
     if (image) {
         _image = std::move(image);
     }
     update();
     _drawn();
+}
+
+void MKOverlayLayer::reportChanges(const MKOverlayImage* image) {
+    const auto report = [&](const PixelRect& part, const MKOverlayImage& of) {
+        const PixelRect place = intersection(placeOf(part, of), wholeOf(_view));
+        if (!place.isEmpty()) {
+            _changed({{place.x / _deviceScale, place.y / _deviceScale},
+                      {place.width / _deviceScale, place.height / _deviceScale}});
+        }
+    };
+    if (image && _image && image->isMadeFrom(*_image) && covers(*_image) && covers(*image)) {
+        for (const PixelRect& change : image->changes()) {
+            report(change, *image);
+        }
+        return;
+    }
+    // Where the former picture was and where the new one is.
+    for (const MKOverlayImage* const changed : {_image.get(), image}) {
+        if (changed) {
+            report(changed->content(), *changed);
+        }
+    }
 }
 
 MKPixelPoint MKOverlayLayer::offsetOf(const MKOverlayImage& image) const {

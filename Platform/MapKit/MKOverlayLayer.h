@@ -20,6 +20,7 @@ public:
     MKOverlayLayer(std::function<void(const CGRect&)> changed, std::function<void()> drawn);
     MKOverlayLayer(const MKOverlayLayer&) = delete;
     MKOverlayLayer& operator=(const MKOverlayLayer&) = delete;
+    ~MKOverlayLayer();
 
     /// What is drawn from now on, in order. Figures without anything to see are left out.
     void setFigures(MKOverlayFigures figures);
@@ -34,11 +35,17 @@ public:
 private:
     bool isShown() const { return _view.scale > 0; }
     bool isExact() const;
+    /// True when a picture is of the view's scale and covers the view.
+    bool covers(const MKOverlayImage& image) const;
     bool isNearEdge() const;
     bool isGoodEnough() const;
     /// Has a picture drawn when one is needed and none is being drawn.
     void update();
+    void draw(const MKOverlayScene& scene);
     void take(std::shared_ptr<const MKOverlayImage> image, double seconds);
+    void reportChanges(const MKOverlayImage* image);
+    /// Gives up the drawing under way when it is at a figure that is gone.
+    void abandonIfStale();
     /// Where a part of an image lies in the view now, in pixels, rounded outwards.
     PixelRect placeOf(const PixelRect& part, const MKOverlayImage& image) const;
     /// The shift in pixels between an image, scaled to the view, and the view.
@@ -54,9 +61,10 @@ private:
     bool _scaleIsChanging = false;
 
     std::shared_ptr<const MKOverlayImage> _image;
-    bool _isDrawing = false;
-    bool _hasFailed = false; // no picture of this scene can be had
-    double _lastDrawing = 0; // seconds that the last picture took
+    std::shared_ptr<MKDrawingTicket> _ticket; // of the drawing under way
+    bool _wasAbandoned = false;               // the last drawing: the next one may take its time
+    bool _hasFailed = false;                  // no picture of this scene can be had
+    double _lastDrawing = 0;                  // seconds that the last picture took
 };
 
 } // namespace veyra

@@ -27,6 +27,12 @@ int whole(double value) {
     return static_cast<int>(std::clamp(value, -1e9, 1e9));
 }
 
+/// The pixels that a box touches.
+PixelRect pixelsOf(const MKPixelBox& box) {
+    const int left = whole(std::floor(box.minX)), top = whole(std::floor(box.minY));
+    return {left, top, whole(std::ceil(box.maxX)) - left, whole(std::ceil(box.maxY)) - top};
+}
+
 } // namespace
 
 MKPixelBox MKOverlayPainter::boxOf(const MKOverlayFigure& figure, int copy) const {
@@ -65,10 +71,14 @@ PixelRect MKOverlayPainter::extent() const {
     if (all.minX >= all.maxX) {
         return {};
     }
-    const int left = whole(std::floor(std::max(all.minX, area.minX)));
-    const int top = whole(std::floor(std::max(all.minY, area.minY)));
-    return {left, top, whole(std::ceil(std::min(all.maxX, area.maxX))) - left,
-            whole(std::ceil(std::min(all.maxY, area.maxY))) - top};
+    return intersection(pixelsOf(all), picture);
+}
+
+void MKOverlayPainter::addAreas(const MKOverlayFigure& figure, const PixelRect& area, DamageList& areas) const {
+    const Copies copies = copiesOf(figure, veyra::boxOf(area));
+    for (int copy = copies.first; copy <= copies.last; ++copy) {
+        areas.add(intersection(pixelsOf(boxOf(figure, copy)), area));
+    }
 }
 
 void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) {
@@ -78,9 +88,10 @@ void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const P
     cairo_translate(cairo, -left, -top);
     cairo_rectangle(cairo, area.x, area.y, area.width, area.height);
     cairo_clip(cairo);
-    MKPathPainter painter(cairo, area, left, top);
+    MKPathPainter painter(cairo, area, left, top, _ticket);
     for (size_t i = first; i < _scene.figures->size(); ++i) {
         const MKOverlayFigure& figure = *(*_scene.figures)[i];
+        _ticket.begin(&figure);
         const MKPathStyle& style = figure.style();
         const double width = figure.lineWidth(_scene.view.scale, _scene.deviceScale);
         const Copies copies = copiesOf(figure, box);

@@ -1,18 +1,22 @@
 // Draws figures into a picture, on every copy of the world that it shows. Used on one thread.
 #pragma once
 
+#include "Platform/MapKit/MKDrawingTicket.h"
 #include "Platform/MapKit/MKOverlayImage.h"
+#include "Platform/UIKit/DamageList.h"
 
 namespace veyra {
 
 class MKOverlayPainter {
 public:
-    explicit MKOverlayPainter(const MKOverlayScene& scene) : _scene(scene) {}
+    MKOverlayPainter(const MKOverlayScene& scene, MKDrawingTicket& ticket) : _scene(scene), _ticket(ticket) {}
 
     /// The pixels that the figures may touch, within the picture; empty when there are none.
     PixelRect extent() const;
+    /// Adds the pixels that a figure, of the scene or not, may touch within an area of the picture.
+    void addAreas(const MKOverlayFigure& figure, const PixelRect& area, DamageList& areas) const;
     /// Draws the figures from number `first` on, in order, inside `area` (pixels of the picture), to an ARGB32 image
-    /// surface whose corner is the picture's pixel (left, top).
+    /// surface whose corner is the picture's pixel (left, top). Throws std::bad_alloc, MKDrawingTicket::Abandoned.
     void draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first);
 
 private:
@@ -24,6 +28,7 @@ private:
     MKPixelBox boxOf(const MKOverlayFigure& figure, int copy) const;
 
     const MKOverlayScene& _scene;
+    MKDrawingTicket& _ticket;
     MKOutline _outline;
 };
 

@@ -82,32 +82,38 @@ void MKPathPainter::joinEnds(const MKOutline& outline) {
     _pieces.erase(_pieces.begin());
 }
 
-void MKPathPainter::addDashes(const MKPathStyle& style, double deviceScale) {
-    std::vector<double> dashes = style.dashes;
-    for (double& dash : dashes) {
-        dash *= deviceScale;
-    }
-    for (const Piece& piece : _pieces) {
-        addDashesOf(piece, dashes, style.dashPhase * deviceScale);
+void MKPathPainter::setDashes(const MKPathStyle& style, double deviceScale) {
+    _dashEnds.clear();
+    double end = 0;
+    for (const double dash : style.dashes) {
+        end += dash * deviceScale;
+        _dashEnds.push_back(end);
     }
 }
 
-void MKPathPainter::addDashesOf(const Piece& piece, const std::vector<double>& dashes, double phase) {
-    double pattern = 0;
-    for (const double dash : dashes) {
-        pattern += dash;
+double MKPathPainter::lengthOfPieces() const {
+    double length = 0;
+    for (const Piece& piece : _pieces) {
+        for (size_t i = 1; i < piece.count; ++i) {
+            const MKPixelPoint a = _points[piece.first + i - 1], b = _points[piece.first + i];
+            length += std::hypot(b.x - a.x, b.y - a.y);
+        }
     }
+    return length;
+}
+
+void MKPathPainter::addDashes(const Piece& piece, double phase) {
+    const double pattern = _dashEnds.back();
     double place = std::fmod(piece.length + phase, pattern);
     place = std::isfinite(place) ? place : 0;
-    size_t dash = 0;
-    while (dash + 1 < dashes.size() && place >= dashes[dash]) {
-        place -= dashes[dash++];
-    }
-    double left = std::max(0.0, dashes[dash] - place); // of the dash, or of the gap
+    // At the end of one entry the next begins; a dot is where it begins.
+    auto found = place > 0 ? std::upper_bound(_dashEnds.begin(), _dashEnds.end() - 1, place) : _dashEnds.begin();
+    auto dash = static_cast<size_t>(found - _dashEnds.begin());
+    double left = std::max(0.0, *found - place); // of the dash, or of the gap
     const auto isDrawn = [&] { return dash % 2 == 0; };
     const auto next = [&] {
-        dash = (dash + 1) % dashes.size();
-        left = dashes[dash];
+        dash = dash + 1 < _dashEnds.size() ? dash + 1 : 0;
+        left = _dashEnds[dash] - (dash > 0 ? _dashEnds[dash - 1] : 0);
     };
 
     MKPixelPoint at = _points[piece.first];

@@ -1,9 +1,10 @@
 // Areas, and the way a line is stroked.
 #include "Platform/MapKit/MKPathPainter.h"
 
+#include "Platform/MapKit/MKRingMask.h"
+
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace veyra {
 
@@ -18,13 +19,30 @@ constexpr double longestReach = 8192;
 constexpr double finestDashes = 0.5;
 // The widest lines, in pixels, that go through the mask.
 constexpr double widestMask = 64;
+// Dashes and gaps of one line in one picture, and pixels of its length. With more of them in it, nobody tells dashes
+// from a line, or one kind of corner from another.
+constexpr double mostDashes = 2e6, thicket = 4e6;
+// Stretches that are drawn without asking whether they are still wanted.
+constexpr size_t checkEvery = 4096;
+
+/// How much of a line is drawn whose dashes, and the gaps that their ends leave, are too fine to be seen.
+double toneOf(const MKPathStyle& style, double width) {
+    const double end = style.cap == kCGLineCapButt ? 0 : width; // of two dashes
+    double pattern = 0, open = 0;
+    for (size_t i = 0; i < style.dashes.size(); ++i) {
+        pattern += style.dashes[i];
+        open += i % 2 == 0 ? 0 : std::max(0.0, style.dashes[i] - end);
+    }
+    return 1 - open / pattern;
+}
 
 } // namespace
 
-MKPathPainter::MKPathPainter(cairo_t* cairo, const PixelRect& area, int left, int top)
+MKPathPainter::MKPathPainter(cairo_t* cairo, const PixelRect& area, int left, int top, const MKDrawingTicket& ticket)
     : _cairo(cairo), _pixels(area), _left(left),
       _top(top), _area{static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.maxX()),
-                       static_cast<double>(area.maxY())} {}
+                       static_cast<double>(area.maxY())},
+      _ticket(ticket), _stroker(cairo, area, ticket) {}
 
 double MKPathPainter::reachOf(const MKPathStyle& style, double width) {
     const double corner = style.join == kCGLineJoinMiter && style.miterLimit > 1 ? style.miterLimit : 1;
@@ -32,13 +50,16 @@ double MKPathPainter::reachOf(const MKPathStyle& style, double width) {
     return std::min(width / 2 * std::max(corner, end), std::max(longestReach, width)) + 1;
 }
 
-void MKPathPainter::setColor(const MKPathStyle::Color& color, double share) {
-    cairo_set_source_rgba(_cairo, color.red, color.green, color.blue, color.alpha * share);
-}
-
 void MKPathPainter::fill(const MKOutline& ring, const MKPathStyle::Color& color) {
+    _ticket.check();
     cutRing(ring);
     if (_ring.size() < 3) {
+        return;
+    }
+    cairo_set_source_rgba(_cairo, color.red, color.green, color.blue, color.alpha);
+    if (MKRingMask::isWorthIt(_ring, _pixels)) {
+        const auto coverage = MKRingMask(_pixels, _ticket).coverageOf(_ring);
+        cairo_mask_surface(_cairo, coverage.get(), _pixels.x, _pixels.y);
         return;
     }
     cairo_new_path(_cairo);
@@ -46,7 +67,6 @@ void MKPathPainter::fill(const MKOutline& ring, const MKPathStyle::Color& color)
         cairo_line_to(_cairo, point.x, point.y);
     }
     cairo_close_path(_cairo);
-    setColor(color, 1);
     cairo_set_fill_rule(_cairo, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_fill(_cairo);
 }
@@ -95,84 +115,88 @@ void MKPathPainter::stroke(const MKOutline& outline, const MKPathStyle& style, d
     if (!style.stroke || outline.points.size() < 2) {
         return;
     }
+    _ticket.check();
     cutLine(outline, _area.outset(reachOf(style, width) + 1));
+    const bool isThicket = lengthOfPieces() > thicket;
+    if (isThicket) { // its corners are round: none reaches far
+        cutLine(outline, _area.outset(width / 2 + 1));
+    }
     if (_pieces.empty()) {
         return;
     }
-    const double pattern = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0);
-    const bool isTone = 2 * pattern * deviceScale < finestDashes * static_cast<double>(style.dashes.size());
-    const bool isDashed = !style.dashes.empty() && !isTone;
+    setDashes(style, deviceScale);
+    const bool isTone =
+        !_dashEnds.empty() && 2 * _dashEnds.back() < finestDashes * static_cast<double>(_dashEnds.size());
+    const bool isDashed = !_dashEnds.empty() && !isTone &&
+                          lengthOfPieces() / _dashEnds.back() * static_cast<double>(_dashEnds.size()) <= mostDashes;
     if (!isDashed) {
         joinEnds(outline);
     }
-    _usesMask = canUseMask(style, width);
+    // The ends of a ring that is not dashed are out of sight.
+    const bool isRound =
+        style.join == kCGLineJoinRound && (style.cap == kCGLineCapRound || (outline.isClosed && !isDashed));
+    _usesMask = (isRound && width <= widestMask) || isThicket;
     if (_usesMask) {
         if (!_mask) {
             _mask = std::make_unique<MKStrokeMask>(_pixels);
         }
         _mask->setWidth(width);
     } else {
-        cairo_new_path(_cairo);
+        _stroker.setLook(style, width);
     }
-    if (isDashed) {
-        addDashes(style, deviceScale);
-    } else {
-        addPieces();
+    for (const Piece& piece : _pieces) {
+        if (isDashed) {
+            addDashes(piece, style.dashPhase * deviceScale);
+        } else if (_isWholeRing) {
+            addRing(piece);
+        } else {
+            addSolid(piece);
+        }
     }
-    double drawn = 0;
-    for (size_t i = 0; isTone && i < style.dashes.size(); i += 2) {
-        drawn += style.dashes[i];
-    }
-    strokePath(style, width, isTone ? drawn / pattern : 1);
-}
-
-bool MKPathPainter::canUseMask(const MKPathStyle& style, double width) const {
-    const bool hasRoundEnds = style.cap == kCGLineCapRound || (_isWholeRing && style.dashes.empty());
-    return style.join == kCGLineJoinRound && hasRoundEnds && width > 0 && width <= widestMask;
-}
-
-void MKPathPainter::strokePath(const MKPathStyle& style, double width, double share) {
+    const double share = isTone ? toneOf(style, width / deviceScale) : 1;
     if (_usesMask) {
         _mask->paint(cairo_get_target(_cairo), _left, _top, *style.stroke, share);
-        return;
+    } else {
+        _stroker.paint(*style.stroke, share);
     }
-    static constexpr cairo_line_join_t joins[] = {CAIRO_LINE_JOIN_MITER, CAIRO_LINE_JOIN_ROUND, CAIRO_LINE_JOIN_BEVEL};
-    static constexpr cairo_line_cap_t caps[] = {CAIRO_LINE_CAP_BUTT, CAIRO_LINE_CAP_ROUND, CAIRO_LINE_CAP_SQUARE};
-    cairo_set_line_width(_cairo, width);
-    cairo_set_line_join(_cairo, joins[style.join]);
-    cairo_set_line_cap(_cairo, caps[style.cap]);
-    cairo_set_miter_limit(_cairo, style.miterLimit);
-    setColor(*style.stroke, share);
-    cairo_stroke(_cairo);
 }
 
 void MKPathPainter::moveTo(MKPixelPoint point) {
     if (_usesMask) {
         _mask->moveTo(point);
     } else {
-        cairo_move_to(_cairo, point.x, point.y);
+        _stroker.moveTo(point);
     }
 }
 
 void MKPathPainter::lineTo(MKPixelPoint point) {
-    if (_usesMask) {
-        _mask->lineTo(point);
-    } else {
-        cairo_line_to(_cairo, point.x, point.y);
+    if (!_usesMask) {
+        _stroker.lineTo(point);
+        return;
+    }
+    _mask->lineTo(point);
+    if (++_unchecked == checkEvery) {
+        _unchecked = 0;
+        _ticket.check();
     }
 }
 
-void MKPathPainter::addPieces() {
-    for (const Piece& piece : _pieces) {
-        moveTo(_points[piece.first]);
-        const size_t count = piece.count - (_isWholeRing ? 1 : 0);
-        for (size_t i = 1; i < count; ++i) {
-            lineTo(_points[piece.first + i]);
-        }
-        if (_isWholeRing) {
-            lineTo(_points[piece.first]);
-            cairo_close_path(_cairo);
-        }
+void MKPathPainter::addSolid(const Piece& piece) {
+    moveTo(_points[piece.first]);
+    for (size_t i = 1; i < piece.count; ++i) {
+        lineTo(_points[piece.first + i]);
+    }
+}
+
+// Its last point is its first.
+void MKPathPainter::addRing(const Piece& piece) {
+    if (_usesMask) {
+        addSolid(piece);
+        return;
+    }
+    _stroker.beginRing(_points[piece.first]);
+    for (size_t i = 1; i + 1 < piece.count; ++i) {
+        _stroker.lineTo(_points[piece.first + i]);
     }
 }
 

@@ -35,7 +35,8 @@ struct MKStrokeMask::Stretch {
 
 MKStrokeMask::MKStrokeMask(const PixelRect& area)
     : _area(area), _coverage(static_cast<size_t>(area.width) * static_cast<size_t>(area.height)),
-      _rows(static_cast<size_t>(area.height), Extent{area.width, 0}), _firstRow(area.height), _endRow(0) {}
+      _rows(static_cast<size_t>(area.height), Extent{.first = area.width, .end = 0}), _firstRow(area.height),
+      _endRow(0) {}
 
 void MKStrokeMask::setWidth(double width) {
     _reach = static_cast<float>(width / 2 + 0.5);
@@ -46,6 +47,10 @@ void MKStrokeMask::lineTo(MKPixelPoint point) {
     const auto fromX = static_cast<float>(_at.x - _area.x), fromY = static_cast<float>(_at.y - _area.y);
     const auto toX = static_cast<float>(point.x - _area.x), toY = static_cast<float>(point.y - _area.y);
     _at = point;
+    if (_wholeRows == _area.height || std::max(fromX, toX) + _reach < 0 ||
+        std::min(fromX, toX) - _reach > static_cast<float>(_area.width)) {
+        return;
+    }
     const float dx = toX - fromX, dy = toY - fromY;
     const float squared = dx * dx + dy * dy;
     const Stretch stretch{fromX, fromY, dx, dy, squared > 0 ? 1 / squared : 0};
@@ -68,7 +73,8 @@ void MKStrokeMask::lineTo(MKPixelPoint point) {
 void MKStrokeMask::addRow(const Stretch& stretch, int row, float from, float to) {
     const int first = std::max(0, static_cast<int>(std::floor(from)));
     const int end = std::min(_area.width, static_cast<int>(std::ceil(to)));
-    if (first >= end) {
+    Extent& extent = _rows[static_cast<size_t>(row)];
+    if (first >= end || extent.whole == _area.width) {
         return;
     }
     uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_area.width)];
@@ -90,9 +96,11 @@ void MKStrokeMask::addRow(const Stretch& stretch, int row, float from, float to)
         const uint8_t value =
             squared <= innerSquared ? whole : static_cast<uint8_t>((_reach - std::sqrt(squared)) * 255 + 0.5F);
         coverage[column] = std::max(coverage[column], value);
+        extent.whole += value == whole;
     }
-    Extent& extent = _rows[static_cast<size_t>(row)];
-    extent = {std::min(extent.first, first), std::max(extent.end, end)};
+    _wholeRows += extent.whole == _area.width;
+    extent.first = std::min(extent.first, first);
+    extent.end = std::max(extent.end, end);
     _firstRow = std::min(_firstRow, row);
     _endRow = std::max(_endRow, row + 1);
 }
@@ -119,7 +127,7 @@ void MKStrokeMask::paint(cairo_surface_t* surface, int left, int top, const MKPa
         if (extent.first < extent.end) {
             std::fill(coverage + extent.first, coverage + extent.end, uint8_t{0});
         }
-        extent = {_area.width, 0};
+        extent = {.first = _area.width, .end = 0};
     }
     if (_firstRow < _endRow) {
         cairo_surface_mark_dirty_rectangle(surface, _area.x - left, _area.y - top + _firstRow, _area.width,
@@ -127,6 +135,7 @@ void MKStrokeMask::paint(cairo_surface_t* surface, int left, int top, const MKPa
     }
     _firstRow = _area.height;
     _endRow = 0;
+    _wholeRows = 0;
 }
 
 } // namespace veyra

@@ -36,9 +36,11 @@ private:
     std::vector<uint8_t> _coverage; // row by row
     struct Extent {
         int first, end; // columns that hold anything
+        int whole = 0;  // of them, that cannot hold more
     };
     std::vector<Extent> _rows;
     int _firstRow, _endRow; // that hold anything
+    int _wholeRows = 0;     // that cannot hold more
 };
 
 } // namespace veyra

@@ -3,6 +3,7 @@
 // afterwards.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
@@ -29,6 +30,14 @@ public:
             resizeTo(_capacity < smallest ? smallest : 2 * _capacity);
         }
         _data.get()[_size++] = value;
+    }
+    /// Appends values that the caller writes. Throws std::bad_alloc.
+    std::span<T> extend(size_t count) {
+        if (count > _capacity - _size) {
+            resizeTo(std::max({smallest, 2 * _capacity, _size + count}));
+        }
+        _size += count;
+        return {_data.get() + _size - count, count};
     }
     /// Gives spare memory back.
     void complete() {

@@ -33,9 +33,10 @@ public:
     MKVertexList(MKVertexList&&) = default;
     MKVertexList& operator=(MKVertexList&&) = default;
 
-    /// Projects a coordinate and appends it. A coordinate that is not finite counts but has no place. Throws
+    /// Projects coordinates and appends them. A coordinate that is not finite counts but has no place. Throws
     /// std::bad_alloc when there is no memory or the list is full.
-    void append(CLLocationCoordinate2D coordinate);
+    void append(std::span<const CLLocationCoordinate2D> coordinates);
+    void append(CLLocationCoordinate2D coordinate) { append({&coordinate, 1}); }
     /// No vertex comes any more.
     void complete();
 
@@ -59,6 +60,7 @@ private:
         void add(MKMapPoint point);
         void add(const Extent& other);
     };
+    void appendToBlock(std::span<const CLLocationCoordinate2D> coordinates);
     void completeBlock();
 
     MKTrivialArray<MKMapPoint> _points;

@@ -3,6 +3,9 @@
 #include "Platform/Foundation/NSException.h"
 #include "Tests/Classes/OverlayFixture.h"
 
+#include <random>
+#include <string>
+
 namespace veyra {
 
 namespace {
@@ -187,6 +190,33 @@ TEST_F(OverlayOptions, HexadecimalColours) {
 TEST_F(OverlayOptions, PairsThatAreNotTwoDigitsAreReadAsFarAsTheyGo) {
     EXPECT_EQ(parsed("a- f 5"), (Components{10 / 255.0, 15 / 255.0, 5 / 255.0, 1}));
     EXPECT_EQ(parsed("#ff0000"), (Components{0, 240 / 255.0, 0, 1})); // #f, f0 and 00
+}
+
+TEST_F(OverlayOptions, EveryStringOfSixUnitsIsAColourOfItsThreePairs) {
+    std::mt19937 random(13);
+    const std::u16string units = u"0123456789abcdefABCDEFgxX# \t-+.\u00e9\xd800\xdc00";
+    const auto valueOf = [](std::u16string pair) {
+        if (pair[0] == u' ' || pair[0] == u'\t')
+            pair.erase(0, 1);
+        int value = 0;
+        for (const char16_t unit : pair) {
+            const bool isDigit =
+                (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
+            if (!isDigit)
+                break;
+            value = value * 16 + (unit <= u'9' ? unit - u'0' : (unit & 7) + 9);
+        }
+        return value / 255.0;
+    };
+    for (int turn = 0; turn < 20000; ++turn) {
+        std::u16string text(6 + turn % 4, u' ');
+        for (char16_t& unit : text)
+            unit = units[std::uniform_int_distribution<size_t>(0, units.size() - 1)(random)];
+        const auto color = _veyra_colorWithHexStringAlpha(id(NSString(std::u16string_view(text))), 0.5);
+        ASSERT_EQ(components(color),
+                  (Components{valueOf(text.substr(0, 2)), valueOf(text.substr(2, 2)), valueOf(text.substr(4, 2)), 0.5}))
+            << turn;
+    }
 }
 
 TEST_F(OverlayOptions, APairThatIsNoNumberIsZero) {

@@ -80,6 +80,60 @@ TEST_F(OverlayRegistry, ABatchWithElementsThatAreRefusedOrRaiseThrowsTheLastReas
     EXPECT_EQ(order(), "a c e");
 }
 
+TEST_F(OverlayRegistry, ABatchGoesOnBehindAnIdentifierThatGoesBetweenTwoReads) {
+    EXPECT_EQ(run("let reads = 0; map.addOverlays([line('a'), { type: 'polyline', coordinates: [0, 0, 1, 1],"
+                  "get id() { return reads++ ? null : 'b'; } }, line('c')])"),
+              "threw: Error: -[NSMutableDictionary setObject:forKey:]: key cannot be nil");
+    EXPECT_EQ(registered(), "a c");
+    EXPECT_EQ(order(), "a c");
+}
+
+TEST_F(OverlayRegistry, WhatIsNoArrayIsRefusedByName) {
+    run("map.addOverlay(line('a'))");
+    for (const std::string name : {"addOverlays", "removeOverlays"}) {
+        EXPECT_EQ(run("map." + name + "(null)"), "threw: Error: Null object passed to '" + name + "'");
+        EXPECT_EQ(run("map." + name + "()"), "threw: Error: Invalid object passed to '" + name + "'");
+        EXPECT_EQ(run("map." + name + "('a')"), "threw: Error: Invalid object passed to '" + name + "'");
+        EXPECT_EQ(run("map." + name + "({})"),
+                  "threw: Error: Object passed to '" + name + "' does not contain keys (\n    length\n)");
+    }
+    EXPECT_EQ(order(), "a");
+}
+
+TEST_F(OverlayRegistry, WhatIsNoOverlayIsRefusedByEveryOperation) {
+    for (const char* call : {"addOverlay(null)", "insertOverlayAtIndex(null, 0)",
+                             "insertOverlayAboveOverlay(null, 'a')", "insertOverlayBelowOverlay(null, 'a')"})
+        EXPECT_EQ(run(std::string("map.") + call), "threw: Error: Null object passed to 'Creating overlay'");
+    EXPECT_EQ(run("map.addOverlay({})"),
+              "threw: Error: Object passed to 'Creating overlay' does not contain keys (\n    type,\n    id\n)");
+    EXPECT_EQ(run("map.addOverlay(undefined)"), "threw: Error: Invalid object passed to 'Creating overlay'");
+    EXPECT_EQ(registered(), "");
+}
+
+TEST_F(OverlayRegistry, ABatchOfManyMissingElementsSaysSoOnce) {
+    EXPECT_EQ(run("map.addOverlays({ length: 100000, 0: line('a'), 99999: line('b') })"),
+              "threw: Error: Invalid object passed to 'Creating overlay'");
+    EXPECT_EQ(order(), "a b");
+}
+
+TEST_F(OverlayRegistry, AnArrayMayChangeWhileItIsRead) {
+    // Its length is read once; what goes missing is no overlay, what comes behind is not looked at.
+    EXPECT_EQ(run("globalThis.all = [line('a'), { type: 'polyline', coordinates: [], get id() { all.length = 2; "
+                  "all[2] = line('c'); all.push(line('e')); return 'b'; } }, line('x'), line('d')];"
+                  "map.addOverlays(all)"),
+              "undefined");
+    EXPECT_EQ(registered(), "a b c e");
+}
+
+TEST_F(OverlayRegistry, ABatchMayBeAnyArrayLikeObject) {
+    EXPECT_EQ(run("map.addOverlays(new Proxy([line('a'), line('b')], {})); map.removeOverlays(new Proxy(['a'], {}));"
+                  "map.addOverlays({ length: 1.9, 0: line('c'), 1: line('d') });"
+                  "map.removeOverlays(new Set(['c']))")
+                  .find("threw: Error: Object passed to 'removeOverlays' does not contain keys"),
+              0u);
+    EXPECT_EQ(order(), "b c");
+}
+
 TEST_F(OverlayRegistry, ABatchWithAnIdentifierTwiceAddsTheFirst) {
     EXPECT_EQ(logged("map.addOverlays([line('a'), line('b'), far('a')])"),
               "message: Map already has overlay with Id 'a'");
@@ -134,7 +188,11 @@ TEST_F(OverlayRegistry, ExchangingGoesByPlaces) {
     EXPECT_EQ(logged("map.exchangeOverlays(0, 5)"),
               "message: MKMapView: there are no two overlays at the indexes 0 and 5 to exchange");
     EXPECT_EQ(logged("map.exchangeOverlays(-1, 0)"),
-              "message: MKMapView: there are no two overlays at the indexes 1.844674407370955e+19 and 0 to exchange");
+              "message: MKMapView: there are no two overlays at the indexes 18446744073709551615 and 0 to exchange");
+    EXPECT_EQ(logged("map.exchangeOverlays(1e300, Infinity)"),
+              "message: MKMapView: there are no two overlays at the indexes 18446744073709551615 and "
+              "18446744073709551615 to exchange");
+    EXPECT_EQ(logged("map.exchangeOverlays(0.9, NaN); map.exchangeOverlays(null, 0)"), "");
     EXPECT_EQ(order(), "c b a");
 }
 
@@ -183,6 +241,16 @@ TEST_F(OverlayRegistry, OverlaysThatComeIntoSightTogetherAreOneEventWithAnArgume
     onMain([&] { mapView().setCenterCoordinate({60, 100}); });
     settle();
     EXPECT_NE(recorded().find("mapDidAddOverlays \"b\""), std::string::npos);
+}
+
+TEST_F(OverlayRegistry, AnOverlayMayBeTakenAwayAndAddedAgainInItsOwnEvent) {
+    run("globalThis.seen = ''; map.listener = { mapDidAddOverlays(...identifiers) { seen += identifiers;"
+        "map.removeOverlay('a'); if (seen.length < 3) map.addOverlay(line('a')); } }; map.addOverlay(line('a'))");
+    for (int turn = 0; turn < 4; ++turn)
+        settle();
+    EXPECT_EQ(run("seen"), "aaa");
+    EXPECT_EQ(registered(), "");
+    EXPECT_EQ(order(), "");
 }
 
 TEST_F(OverlayRegistry, AnOverlayOfAnotherKindGetsNoView) {

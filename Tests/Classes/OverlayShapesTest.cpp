@@ -132,6 +132,46 @@ TEST_F(OverlayShapes, ArrayLikesAndTypedArraysAreArrays) {
     EXPECT_EQ(points("new Float64Array([1, 2, 3, 4, 5, 6])")->pointCount(), 3u);
 }
 
+TEST_F(OverlayShapes, BuffersThatShrinkOrGoAreReadAsTheyAre) {
+    EXPECT_EQ(refusal("(() => { const buffer = new ArrayBuffer(32, { maxByteLength: 64 });"
+                      "const numbers = new Float64Array(buffer); buffer.resize?.(16); return numbers; })()"),
+              "undefined");
+    run("map.removeOverlay('a')");
+    // It goes while it is read: what has gone is undefined.
+    EXPECT_EQ(refusal("(() => { const buffer = new ArrayBuffer(64, { maxByteLength: 64 });"
+                      "const numbers = new Float64Array(buffer);"
+                      "return new Proxy(numbers, { get(target, key) {"
+                      "if (key === '4') buffer.resize?.(16); return key === 'length' ? 8 : target[key]; } }); })()"),
+              run("typeof ArrayBuffer.prototype.resize") == "function" ? noDouble : "undefined");
+}
+
+TEST_F(OverlayShapes, AnArrayMayChangeWhileItIsRead) {
+    EXPECT_EQ(refusal("(() => { const values = [1, 2, 3, 4, 5, 6];"
+                      "Object.defineProperty(values, 1, { get() { values.length = 2; return 2; } });"
+                      "return values; })()"),
+              noDouble);
+    EXPECT_EQ(refusal("(() => { const values = [1, 2, 3, 4];"
+                      "Object.defineProperty(values, 1, { get() { values.push(5, 6); values[3] = 9; return 2; } });"
+                      "return values; })()"),
+              "undefined");
+    const auto line = std::dynamic_pointer_cast<MKMultiPoint>(onMap().front());
+    ASSERT_EQ(line->pointCount(), 2u);
+    EXPECT_EQ(line->points()[1], MKMapPointForCoordinate({3, 9}));
+}
+
+TEST_F(OverlayShapes, KeysAreReadInTheirOrder) {
+    native("globalThis.noted = object => { globalThis.reads = []; return new Proxy(object, "
+           "{ get(target, key) { reads.push(key); return target[key]; } }); }; undefined");
+    const std::string options = " strokeColor strokeOpacity fillColor fillOpacity lineWidth lineJoin lineCap "
+                                "miterLimit lineDashPhase lineDashPattern";
+    EXPECT_EQ(run("map.addOverlay(noted({ type: 'circle', id: 'c', latitude: 1, longitude: 2, radius: 3 }));"
+                  "reads.join(' ')"),
+              "type id type latitude longitude radius latitude longitude radius id" + options);
+    EXPECT_EQ(run("map.addOverlay(noted({ type: 'polygon', id: 'p', coordinates: [1, 2] })); reads.join(' ')"),
+              "type id type coordinates coordinates id" + options);
+    EXPECT_EQ(run("map.addOverlay(noted({ type: 'star', id: 's' })); reads.join(' ')"), "type id type");
+}
+
 TEST_F(OverlayShapes, ValuesWithoutADoubleRaise) {
     EXPECT_EQ(refusal("[1, undefined]"), noDouble);
     EXPECT_EQ(refusal("[1, , 3, 4]"), noDouble);

@@ -41,6 +41,42 @@ behaviour('a line of a million vertices is added in a moment', async () => {
         throw new Error(`it took ${taken} ms`);
 });
 
+behaviour('a line of ten million vertices can be moved about', async () => {
+    const map = await addMapHere();
+    const coordinates = new Float64Array(2e7);
+    for (let i = 0; i < 2e7; ++i)
+        coordinates[i] = i % 2 ? 20 + Math.cos(i / 1e5) : 10 + Math.sin(i / 3e5);
+    const start = performance.now();
+    equal(await added(map, () => map.addOverlay(line('long', { coordinates }))), 'long', 'identifiers');
+    const taken = performance.now() - start;
+    if (taken > 20000)
+        throw new Error(`it took ${taken} ms`);
+    let slowest = 0;
+    let last = performance.now();
+    for (let i = 0; i < 60; ++i) {
+        map.setRegion({ ...here, longitude: 20 + i / 100, latitudeDelta: 2 + i / 20 }, false);
+        await new Promise(requestAnimationFrame);
+        slowest = Math.max(slowest, performance.now() - last);
+        last = performance.now();
+    }
+    if (slowest > 1000)
+        throw new Error(`a frame took ${slowest} ms`);
+});
+
+behaviour('a thicket that takes long to draw holds up neither the page nor what comes after it', async () => {
+    const map = await addMapHere();
+    const coordinates = Array.from({ length: 1e6 }, (_, i) => (i % 2 ? 20 : 10) + Math.sin(i * i % 9973));
+    const types = ['polyline', 'polygon'];
+    for (const lineCap of ['butt', 'round']) {
+        for (const type of types) {
+            await added(map, () => map.addOverlay(line('thicket', { type, coordinates, lineCap, lineJoin: 'miter',
+                fillColor: 'ff0000', lineWidth: 4, lineDashPattern: [1e-12, 3, 0, 1] })));
+            map.removeOverlay('thicket');
+        }
+    }
+    equal(await added(map, () => map.addOverlay(line('a'))), 'a', 'identifiers');
+});
+
 behaviour('a getter among the coordinates may remove the element', async () => {
     const map = await addMapHere();
     const coordinates = [9, 19, 10, 20];

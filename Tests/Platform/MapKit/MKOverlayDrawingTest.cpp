@@ -2,6 +2,7 @@
 #include "Tests/Platform/MapKit/OverlayFixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <glib.h>
 #include <limits>
@@ -249,6 +250,91 @@ TEST_F(OverlayDrawing, OnlyWhatChangesIsDrawnAgain) {
     }
     EXPECT_EQ(pixelAt({0, 0}), blue);
     EXPECT_LT(pixels, 400 * 300 / 20);
+}
+
+TEST_F(OverlayDrawing, OfManyOverlaysOnlyThePlaceOfTheChangedOneIsDrawnAgain) {
+    showRegion({{0, 0}, {20, 20}});
+    std::vector<Overlay> all;
+    for (int i = 0; i < 200; ++i) {
+        all.push_back(square({8.0 - i / 20, -10.0 + i % 20}, 0.8, color(red)).overlay);
+    }
+    map->addOverlays(all);
+    settle();
+    const auto pixelsUntilIdle = [&] {
+        int pixels = 0;
+        while (!window->isIdle()) {
+            for (const PixelRect& rect : frame()) {
+                pixels += rect.width * rect.height;
+            }
+            g_usleep(1000);
+        }
+        return pixels;
+    };
+    const Overlay other = square({8, -10}, 0.8, color(blue)).overlay;
+    map->removeOverlay(all[0]);
+    map->insertOverlayAtIndex(other, 0);
+    EXPECT_LT(pixelsUntilIdle(), 400 * 300 / 20);
+    EXPECT_EQ(pixelAt({7.6, -9.6}), blue);
+    EXPECT_EQ(pixelAt({7.6, -8.6}), red);
+    map->exchangeOverlayAtIndexWithOverlayAtIndex(0, 199); // they do not meet: all looks the same
+    EXPECT_LT(pixelsUntilIdle(), 400 * 300 / 10);
+    map->removeOverlay(other);
+    EXPECT_LT(pixelsUntilIdle(), 400 * 300 / 20);
+    EXPECT_EQ(pixelAt({7.6, -9.6}), white);
+    EXPECT_EQ(pixelAt({7.6, -8.6}), red);
+    map->removeOverlay(all[199]); // at the edge of them all: the picture becomes smaller
+    EXPECT_LT(pixelsUntilIdle(), 400 * 300 / 20);
+    EXPECT_EQ(pixelAt({-1.4, 9.4}), white);
+}
+
+TEST_F(OverlayDrawing, ChangesAmongOverlaysLookAsIfAllWereDrawnAnew) {
+    showRegion({{0, 0}, {20, 20}});
+    std::vector<Overlay> all;
+    for (int i = 0; i < 12; ++i) {
+        const uint32_t rgb = 0x102030U * static_cast<uint32_t>(i % 7 + 1);
+        all.push_back(square({8.0 - i, -9.0 + i}, 7, color(rgb, 0.6)).overlay);
+    }
+    map->addOverlays(all);
+    settle();
+    map->exchangeOverlayAtIndexWithOverlayAtIndex(2, 9);
+    settle();
+    map->removeOverlay(all[5]);
+    settle();
+    map->insertOverlayBelowOverlay(disc({1, 1}, 300e3).overlay, all[3]);
+    expectAsDrawnAnew();
+}
+
+TEST_F(OverlayDrawing, AnOverlayThatIsLongToDrawHoldsNothingUpWhenItIsTakenAway) {
+    showRegion({{0, 0}, {20, 20}});
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> place(-10, 10);
+    std::vector<CLLocationCoordinate2D> thicket(3000000);
+    for (auto& coordinate : thicket) {
+        coordinate = {place(random), place(random)};
+    }
+    const auto slow = line(thicket).overlay;
+    map->addOverlay(slow);
+    frames(3);
+    EXPECT_FALSE(window->isIdle()); // it takes several seconds
+    const auto start = std::chrono::steady_clock::now();
+    map->removeOverlay(slow);
+    map->addOverlay(square({4, -4}, 8, color(blue)).overlay);
+    settle();
+    EXPECT_EQ(pixelAt({0, 0}), blue);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST_F(OverlayDrawing, AnOverlayThatIsReplacedAllTheTimeIsDrawnNowAndThen) {
+    showRegion({{0, 0}, {20, 20}});
+    const auto coordinates = scribble(200000);
+    for (int turn = 0; turn < 2000 && pixelAt({0, 0}) != blue; ++turn) {
+        const Overlay next = line(coordinates).overlay, area = square({4, -4}, 8, color(blue)).overlay;
+        map->removeOverlays(map->overlays());
+        map->addOverlays({next, area});
+        frame(); // no drawing ends before the next change
+    }
+    EXPECT_EQ(pixelAt({0, 0}), blue);
+    settle();
 }
 
 TEST_F(OverlayDrawing, DashesStayWhereTheyAreOnALineThatEntersTheViewFromFarAway) {

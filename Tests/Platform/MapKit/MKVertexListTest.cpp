@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -111,6 +112,33 @@ TEST(MKVertexList, SmallStepsAfterAFarOneAreNotLost) {
     }
     list.complete();
     EXPECT_EQ(drawnAt(list, 0.0005 * MKWorldSide / 360), 2000u);
+}
+
+TEST(MKVertexList, IsTheSameHoweverManyAreAppendedAtATime) {
+    std::mt19937 random(23);
+    std::vector<CLLocationCoordinate2D> coordinates(3000);
+    for (auto& coordinate : coordinates) {
+        const bool isNowhere = random() % 50 == 0;
+        coordinate = {isNowhere ? NAN : static_cast<double>(random() % 1000) / 10, static_cast<double>(random() % 999)};
+    }
+    MKVertexList one, many;
+    for (const auto& coordinate : coordinates) {
+        one.append(coordinate);
+    }
+    for (size_t begin = 0, count; begin < coordinates.size(); begin += count) {
+        count = std::min<size_t>(random() % 700, coordinates.size() - begin);
+        many.append(std::span(coordinates).subspan(begin, count));
+    }
+    one.complete();
+    many.complete();
+    ASSERT_EQ(one.size(), many.size());
+    EXPECT_TRUE(std::ranges::equal(one.importances(), many.importances()));
+    EXPECT_EQ(one.bounds(), many.bounds());
+    ASSERT_EQ(one.blocks().size(), many.blocks().size());
+    for (size_t i = 0; i < one.size(); ++i) {
+        const bool isNowhere = std::isnan(coordinates[i].latitude);
+        EXPECT_TRUE(isNowhere || one.points()[i] == many.points()[i]) << i;
+    }
 }
 
 TEST(MKVertexList, BlocksHoldTheirVertices) {

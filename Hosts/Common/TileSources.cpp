@@ -7,6 +7,7 @@
 #include "Platform/MapKit/MKBasemapSource.h"
 
 #include <glib.h>
+#include <glib/gstdio.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -19,6 +20,7 @@ namespace {
 using nlohmann::json;
 
 constexpr int smallestTile = 64, largestTile = 2048; // pixels
+constexpr int longestDescription = 1 << 20;          // bytes
 constexpr const char* settings[] = {"url",         "mbtiles",     "subdomains",  "tileSize",
                                     "minimumZoom", "maximumZoom", "attribution", "attributionURL"};
 
@@ -128,6 +130,11 @@ json parse(const std::string& text, const std::string& name) {
         const auto lineStart = std::find(std::make_reverse_iterator(end), text.rend(), '\n').base();
         throw TileSourcesError(name + ":" + std::to_string(line) + ":" + std::to_string(end - lineStart + 1) +
                                ": this is no JSON");
+    } catch (const json::out_of_range& error) {
+        // The library says which number, between quotes, but not where.
+        const std::string problem = error.what();
+        const size_t start = std::min(problem.find('\''), problem.size());
+        throw TileSourcesError(name + ": the number " + problem.substr(start) + " is too large");
     }
 }
 
@@ -166,6 +173,11 @@ std::shared_ptr<const MKTileSource> readTileSourcesSetting(const std::string& se
     g_free(current);
     if (setting.starts_with("{")) {
         return readTileSources(setting, TileSourcesVariable, folder);
+    }
+    GStatBuf status;
+    if (g_stat(setting.c_str(), &status) == 0 && (!S_ISREG(status.st_mode) || status.st_size > longestDescription)) {
+        throw TileSourcesError(setting + ": this is no file of at most " + std::to_string(longestDescription) +
+                               " bytes");
     }
     gchar* bytes = nullptr;
     gsize length = 0;

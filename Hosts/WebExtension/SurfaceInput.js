@@ -6,6 +6,7 @@
     // Bits of host.inputPolicy, as UIEvent.h has them.
     const usesDrags = 1, usesScrolls = 2, usesPinches = 4, usesPanKeys = 8, usesZoomKeys = 16;
     const usesNextKey = 32, usesPreviousKey = 64, usesActivationKeys = 128, usesEscapeKey = 256;
+    const usesClick = 512;
     // Phases and types of touches, as UIEvent.h has them.
     const began = 0, moved = 1, ended = 2, cancelled = 3;
     const direct = 0, pencil = 1, indirectPointer = 2;
@@ -84,9 +85,10 @@
                 event.preventDefault();
         }
 
-        // Of a press that has not moved; touches come here too, as the presses that the engine makes of them.
+        // Of a press that has not moved and that no view of the map keeps to itself; touches come here too, as the presses
+        // that the engine makes of them.
         function onClick(event) {
-            if (event.target === canvas && pressedAt !== null &&
+            if (event.target === canvas && pressedAt !== null && !uses(usesClick) &&
                 Math.hypot(event.clientX - pressedAt.x, event.clientY - pressedAt.y) < clickDistance)
                 map.clicked(local(event));
         }

@@ -61,17 +61,19 @@ struct UIInputPolicy {
     bool usesPreviousKey = false;    ///< Tab with shift
     bool usesActivationKeys = false; ///< Enter, space
     bool usesEscapeKey = false;      ///< Escape
+    bool usesClick = false;          ///< the click of the touch that began last, on a view that keeps its touches
     friend bool operator==(const UIInputPolicy&, const UIInputPolicy&) = default;
 
     /// The same as a number: a bit a member, the first one lowest.
     unsigned bits() const {
         return unsigned{usesDrags} | unsigned{usesScrolls} << 1 | unsigned{usesPinches} << 2 |
                unsigned{usesPanKeys} << 3 | unsigned{usesZoomKeys} << 4 | unsigned{usesNextKey} << 5 |
-               unsigned{usesPreviousKey} << 6 | unsigned{usesActivationKeys} << 7 | unsigned{usesEscapeKey} << 8;
+               unsigned{usesPreviousKey} << 6 | unsigned{usesActivationKeys} << 7 | unsigned{usesEscapeKey} << 8 |
+               unsigned{usesClick} << 9;
     }
     static UIInputPolicy fromBits(unsigned bits) {
         const auto bit = [bits](unsigned index) { return (bits >> index & 1) != 0; };
-        return {bit(0), bit(1), bit(2), bit(3), bit(4), bit(5), bit(6), bit(7), bit(8)};
+        return {bit(0), bit(1), bit(2), bit(3), bit(4), bit(5), bit(6), bit(7), bit(8), bit(9)};
     }
 };
 

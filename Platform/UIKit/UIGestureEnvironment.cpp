@@ -41,14 +41,15 @@ void UIGestureEnvironment::handleTouch(UIWindow& window, const UITouchEvent& eve
 void UIGestureEnvironment::begin(UIWindow& window, const UITouchEvent& event) {
     const auto touched = window.hitTest(event.location);
     Recognizers recognizers;
-    for (auto view = touched; view; view = view->containingView()) {
+    bool isKept = false;
+    for (auto view = touched; view && !isKept; view = view->containingView()) {
         const auto all = view->gestureRecognizers(); // a filter may change them
         for (const auto& recognizer : all)
             if (recognizer->isEnabled() && (!recognizer->_touchFilter || recognizer->_touchFilter(*touched, event)))
                 recognizers.push_back(recognizer);
-        if (view->keepsTouches())
-            break;
+        isKept = view->keepsTouches();
     }
+    window.setTouchIsKept(isKept);
     _touches.push_back({_nextSerial++, event, recognizers});
     for (const auto& weak : recognizers)
         if (const auto recognizer = weak.lock())

@@ -18,12 +18,34 @@ bool isAnimatedWebP(std::string_view data) {
     return data.substr(12, 4) == "VP8X"sv && (data[20] & 2) != 0;
 }
 
+/// A JPEG picture may go over all its pixels again and again, at the cost of a few bytes each time.
+bool hasTooManyScans(std::string_view data) {
+    constexpr int mostScans = 64; // 10 are usual
+    constexpr unsigned end = 0xd9, scan = 0xda;
+    const auto byte = [&](size_t at) { return unsigned{static_cast<unsigned char>(data[at])}; };
+    int scans = 0;
+    for (size_t at = 2; at + 4 <= data.size();) {
+        const unsigned marker = byte(at) == 0xff ? byte(at + 1) : 0;
+        if (marker == end)
+            return false; // what follows is no part of the picture
+        if (marker < 0xc0 || marker == 0xff || (marker >= 0xd0 && marker <= 0xd7)) {
+            ++at; // within a scan
+            continue;
+        }
+        scans += marker == scan;
+        if (scans > mostScans)
+            return true;
+        at += 2 + (byte(at + 2) << 8 | byte(at + 3));
+    }
+    return false;
+}
+
 /// The decoder for bytes that begin so, or null.
 const char* decoderFor(std::string_view data) {
     if (data.starts_with("\x89PNG\r\n\x1a\n"sv))
         return "png";
     if (data.starts_with("\xff\xd8\xff"sv))
-        return "jpeg";
+        return hasTooManyScans(data) ? nullptr : "jpeg";
     if (data.starts_with("GIF87a"sv) || data.starts_with("GIF89a"sv))
         return "gif";
     if (data.starts_with("RIFF"sv) && data.size() >= 21 && data.substr(8, 4) == "WEBP"sv)

@@ -175,7 +175,9 @@ void UIWindow::cancelTouches() {
 }
 
 UIInputPolicy UIWindow::inputPolicy() const {
-    return UIInputPolicy::fromBits(_inputPolicy.load());
+    UIInputPolicy policy = UIInputPolicy::fromBits(_inputPolicy.load());
+    policy.usesClick = _touchIsKept.load();
+    return policy;
 }
 
 void UIWindow::setInputPolicy(const UIInputPolicy& policy) {

@@ -57,7 +57,7 @@ public:
     void cancelTouches();
     /// What the views will use. Any thread.
     UIInputPolicy inputPolicy() const;
-    /// Views publish here what they use; see UIInputPolicy.
+    /// Views publish here what they use; see UIInputPolicy. Of clicks the window itself knows.
     void setInputPolicy(const UIInputPolicy& policy);
 
     /// Views publish here what a host hands on to assistive technology, and makes a link.
@@ -95,6 +95,8 @@ public:
 
     /// For gesture recognisers.
     UIGestureEnvironment& gestureEnvironment() { return *_gestures; }
+    /// For the gesture environment: whether the touch that began last is on a view that keeps its touches.
+    void setTouchIsKept(bool isKept) { _touchIsKept = isKept; }
 
 private:
     friend class UIView;
@@ -134,6 +136,7 @@ private:
     UIAccessibilityState _accessibilityState;
     std::function<void(const UIAccessibilityState&)> _accessibilityHandler;
     std::atomic<unsigned> _inputPolicy{0};
+    std::atomic<bool> _touchIsKept{false};
     std::unique_ptr<UIGestureEnvironment> _gestures;
 };
 

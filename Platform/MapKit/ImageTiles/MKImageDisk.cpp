@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <filesystem>
 #include <sstream>
 #include <vector>
@@ -20,6 +21,11 @@ namespace fs = std::filesystem;
 // which it is fresh, whether it may be used stale, the length and the check sum of the bytes, which follow.
 constexpr const char* firstLine = "veyra image 1";
 constexpr const char* suffix = ".image";
+
+// Other processes store images too: what has been counted is counted anew after this part of the limit.
+constexpr int64_t partsOfLimit = 8;
+// A file that a process which died has begun is so old at least.
+constexpr auto oldestUnfinished = std::chrono::hours(1);
 
 uint32_t checkSumOf(const std::string& bytes) {
     return static_cast<uint32_t>(
@@ -84,7 +90,7 @@ struct StoredFile {
     int64_t bytes;
 };
 
-/// Other processes may add and remove files meanwhile.
+/// Other processes may add and remove files meanwhile. What was never finished is removed.
 std::vector<StoredFile> filesIn(const std::string& folder) {
     std::vector<StoredFile> files;
     std::error_code error;
@@ -92,8 +98,14 @@ std::vector<StoredFile> filesIn(const std::string& folder) {
         std::error_code gone;
         const auto used = at->last_write_time(gone);
         const auto bytes = static_cast<int64_t>(at->file_size(gone));
-        if (!gone && at->path().extension() == suffix) {
+        if (gone) {
+            continue;
+        }
+        if (at->path().extension() == suffix) {
             files.push_back({at->path(), used, bytes});
+        } else if (at->path().stem().extension() == suffix &&
+                   fs::file_time_type::clock::now() - used > oldestUnfinished) {
+            fs::remove(at->path(), gone);
         }
     }
     return files;
@@ -159,8 +171,9 @@ void MKImageDisk::remove(const std::string& url) {
 
 void MKImageDisk::makeRoom(int64_t newBytes) {
     const NSLockGuard guard(_lock);
-    if (_byteSize && *_byteSize + newBytes <= _byteLimit) {
+    if (_byteSize && *_byteSize + newBytes <= _byteLimit && _uncounted + newBytes <= _byteLimit / partsOfLimit) {
         *_byteSize += newBytes;
+        _uncounted += newBytes;
         return;
     }
     std::vector<StoredFile> files = filesIn(_folder);
@@ -176,6 +189,7 @@ void MKImageDisk::makeRoom(int64_t newBytes) {
         }
     }
     _byteSize = size;
+    _uncounted = 0;
 }
 
 } // namespace veyra

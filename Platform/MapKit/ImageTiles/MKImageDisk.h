@@ -40,6 +40,7 @@ private:
     const int64_t _byteLimit;
     NSLock _lock;
     std::optional<int64_t> _byteSize VEYRA_GUARDED_BY(_lock); // as far as this process knows
+    int64_t _uncounted VEYRA_GUARDED_BY(_lock) = 0;           // of them stored since the folder was looked at
 };
 
 } // namespace veyra

@@ -1,5 +1,7 @@
 #include "Platform/MapKit/ImageTiles/MKTileArchive.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <memory>
 #include <sqlite3.h>
@@ -13,8 +15,21 @@ struct Finalizer {
 };
 using Statement = std::unique_ptr<sqlite3_stmt, Finalizer>;
 
+// What an archive may ask of the machine, whatever its tables, which may be views, are made of: bytes of one value, and
+// steps of SQLite's machine for one question. A look into a table of a billion tiles takes some hundred steps.
+constexpr int longestValue = 16 << 20;
+constexpr int stepsBetweenLooks = 100000;
+constexpr int mostLooks = 300;
+
+// Bytes of an attribution that are shown at most.
+constexpr size_t longestAttribution = 1000;
+
 /// Attributions in archives are often pieces of a page: the text of it, and where its first link leads.
-MKTileAttribution attributionIn(const std::string& text) {
+MKTileAttribution attributionIn(std::string text) {
+    text.resize(std::min(text.size(), longestAttribution));
+    gchar* const valid = g_utf8_make_valid(text.c_str(), -1);
+    text = valid;
+    g_free(valid);
     MKTileAttribution attribution;
     bool isMarkup = false;
     for (const char c : text) {
@@ -53,7 +68,8 @@ void MKTileArchive::fail(const std::string& problem) const {
 }
 
 void MKTileArchive::failWithError() {
-    fail(sqlite3_errmsg(_database));
+    fail(sqlite3_errcode(_database) == SQLITE_INTERRUPT ? "it takes too long to find a tile; there may be no index"
+                                                        : sqlite3_errmsg(_database));
 }
 
 sqlite3_stmt* MKTileArchive::prepare(const char* text) {
@@ -67,7 +83,11 @@ sqlite3_stmt* MKTileArchive::prepare(const char* text) {
 std::string MKTileArchive::metadata(const char* name) {
     const Statement statement(prepare("SELECT value FROM metadata WHERE name = ?"));
     sqlite3_bind_text(statement.get(), 1, name, -1, SQLITE_STATIC);
-    if (sqlite3_step(statement.get()) != SQLITE_ROW) {
+    const int status = sqlite3_step(statement.get());
+    if (status != SQLITE_ROW && status != SQLITE_DONE) {
+        failWithError();
+    }
+    if (status == SQLITE_DONE) {
         return "";
     }
     const auto* const value = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), 0));
@@ -75,6 +95,7 @@ std::string MKTileArchive::metadata(const char* name) {
 }
 
 void MKTileArchive::open() {
+    _looks = 0;
     if (_contents) {
         return;
     }
@@ -88,13 +109,19 @@ void MKTileArchive::open() {
             fail(problem);
         }
         sqlite3_busy_timeout(_database, 1000); // milliseconds; another program may write
+        sqlite3_limit(_database, SQLITE_LIMIT_LENGTH, longestValue);
+        sqlite3_db_config(_database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+        sqlite3_progress_handler(
+            _database, stepsBetweenLooks,
+            [](void* looks) { return static_cast<int>(++*static_cast<int*>(looks) > mostLooks); }, &_looks);
     }
     readContents();
 }
 
 void MKTileArchive::readContents() {
     Contents contents;
-    const Statement zooms(prepare("SELECT min(zoom_level), max(zoom_level) FROM tiles"));
+    // Each by itself is found at an end of the index; both at once would be looked for among all tiles.
+    const Statement zooms(prepare("SELECT (SELECT min(zoom_level) FROM tiles), (SELECT max(zoom_level) FROM tiles)"));
     if (sqlite3_step(zooms.get()) != SQLITE_ROW) {
         failWithError();
     }
@@ -132,9 +159,7 @@ std::optional<std::string> MKTileArchive::read(int zoom, int column, int row) {
         return std::nullopt;
     }
     if (status != SQLITE_ROW) {
-        const std::string problem = sqlite3_errmsg(_database);
-        sqlite3_reset(_select);
-        fail(problem);
+        failWithError(); // the next question resets this one
     }
     const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(_select, 0));
     std::string image(bytes ? bytes : "", static_cast<size_t>(sqlite3_column_bytes(_select, 0)));

@@ -54,6 +54,7 @@ private:
     sqlite3* _database VEYRA_GUARDED_BY(_lock) = nullptr;
     sqlite3_stmt* _select VEYRA_GUARDED_BY(_lock) = nullptr;
     std::optional<Contents> _contents VEYRA_GUARDED_BY(_lock);
+    int _looks = 0; // at how long the question has taken; by SQLite, under the lock
 };
 
 } // namespace veyra

@@ -80,6 +80,30 @@ TEST_F(TileSources, ThatAreNoJSONAreReportedWithFileLineAndColumn) {
     EXPECT_EQ(problemOf("{\"standard\": {}"), "sources.json:1:16: this is no JSON");
 }
 
+TEST_F(TileSources, WithNumbersThatNothingHoldsAreReported) {
+    EXPECT_EQ(problemOf(R"({"standard": {"url": "http://t/{z}/{x}/{y}", "tileSize": 1e999}})"),
+              "sources.json: the number '1e999' is too large");
+}
+
+TEST_F(TileSources, OfAFolderADeviceOrAHugeFileAreNotRead) {
+    const std::string reason = ": this is no file of at most 1048576 bytes";
+    write("huge.json", std::string((1 << 20) + 1, ' '));
+    for (const std::string& path : {folder, std::string("/dev/zero"), folder + "/huge.json"}) {
+        try {
+            readTileSourcesSetting(path);
+            FAIL() << path;
+        } catch (const TileSourcesError& error) {
+            EXPECT_EQ(error.what(), path + reason);
+        }
+    }
+}
+
+TEST_F(TileSources, DeepWithinOneAnotherAreReported) {
+    EXPECT_EQ(problemOf(std::string(200000, '[')), "sources.json:1:200001: this is no JSON");
+    EXPECT_EQ(problemOf(std::string(200000, '[') + std::string(200000, ']')),
+              "sources.json: there is no object with a map type in it");
+}
+
 TEST_F(TileSources, ThatMakeNoSenseAreReportedWithFileAndPlace) {
     const std::pair<const char*, const char*> cases[] = {
         {"[]", "sources.json: there is no object with a map type in it"},

@@ -51,6 +51,22 @@ TEST_F(Attribution, AClickElsewhereAndADragThatBeginsOnItOpenNothing) {
     EXPECT_TRUE(browser.openedWindows().empty());
 }
 
+TEST_F(Attribution, AClickOnAnAnnotationThatCoversItSelectsTheAnnotation) {
+    browser.run("map.listener = { mapDidSelectAnnotation(identifier) { window.selected = identifier; } };"
+                "const { latitude, longitude } = map.convertPointToCoordinate({ x: 360, y: 298 });"
+                "map.addAnnotation({ latitude, longitude, identifier: 'pin', pinAnimatesDrop: false });"
+                "return ''");
+    browser.waitUntilIdle();
+    browser.motion(360, 286, false);
+    browser.button(GDK_BUTTON_PRESS, 360, 286);
+    browser.waitUntilIdle(); // a hand is slower than the map's thread
+    browser.button(GDK_BUTTON_RELEASE, 360, 286);
+    Browser::waitUntil([&] { return browser.run("return window.selected ?? ''") == "pin"; });
+    EXPECT_EQ(browser.run("return window.selected ?? ''"), "pin");
+    EXPECT_EQ(browser.run("return clicks"), "1");
+    EXPECT_TRUE(browser.openedWindows().empty());
+}
+
 TEST_F(Attribution, TheKeyboardReachesItAfterTheMap) {
     click(200, 100); // the map has the focus
     browser.key(GDK_KEY_Tab);

@@ -49,6 +49,28 @@ TEST_F(UIGestureEnvironmentTest, AncestorsGetTheTouchesOfTheirSubviewsTogether) 
     EXPECT_EQ(pinch->locationInView(), (CGPoint{250, 100}));
 }
 
+TEST_F(UIGestureEnvironmentTest, TheClickOfATouchThatAViewKeepsIsItsOwn) {
+    class KeepingView final : public UIView {
+    public:
+        bool keepsTouches() const override { return true; }
+    };
+    const auto keeping = UIView::make<KeepingView>({{0, 0}, {200, 300}});
+    const auto below = TestView::make({{0, 0}, {100, 300}});
+    view->addSubview(keeping);
+    keeping->addSubview(below);
+    EXPECT_FALSE(window->inputPolicy().usesClick);
+    for (const double x : {150, 50}) {
+        down(1, {x, 100}, 0);
+        EXPECT_TRUE(window->inputPolicy().usesClick);
+        window->setInputPolicy({.usesDrags = true});
+        up(1, {x, 100}, 0.01);
+        EXPECT_TRUE(window->inputPolicy().usesClick) << "the click comes after the touch";
+        down(1, {250, 100}, 1);
+        EXPECT_FALSE(window->inputPolicy().usesClick);
+        up(1, {250, 100}, 1.01);
+    }
+}
+
 TEST_F(UIGestureEnvironmentTest, UnknownTouchesAreIgnored) {
     move(7, {150, 100}, 0);
     up(7, {150, 100}, 0.01);

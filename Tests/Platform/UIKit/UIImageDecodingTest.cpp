@@ -184,4 +184,18 @@ TEST_F(UIImageDecoding, DecodesElsewhereAndAnswersOnTheMainQueue) {
     EXPECT_NE(images[0] == nullptr, images[1] == nullptr);
 }
 
+TEST_F(UIImageDecoding, APictureThatIsGoneOverWithoutEndIsRefused) {
+    const std::string jpeg = fileOfType("jpeg"), start = "\xff\xda";
+    const size_t scan = jpeg.rfind(start);
+    const std::string coded = jpeg.substr(scan, jpeg.size() - 2 - scan), end = "\xff\xd9";
+    std::string again = jpeg.substr(0, scan), after = jpeg;
+    for (int i = 0; i < 100; ++i) {
+        again += coded;
+        after += coded;
+    }
+    EXPECT_TRUE(UIImage::imageWithData(jpeg));
+    EXPECT_FALSE(UIImage::imageWithData(again + end));
+    EXPECT_TRUE(UIImage::imageWithData(after)) << "what comes after the picture does not count";
+}
+
 } // namespace veyra

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <memory>
+#include <unistd.h>
+#include <vector>
 
 namespace veyra {
 
@@ -85,6 +88,52 @@ TEST_F(MKImageDiskTest, WhatAnotherProcessStoredCountsToo) {
         disk.insert("http://a/" + std::to_string(i), imageOfSize(5000));
     }
     EXPECT_LE(bytesIn(folder), 40000);
+}
+
+TEST_F(MKImageDiskTest, ProcessesThatStoreTogetherStayNearTheLimit) {
+    constexpr int64_t limit = 200000;
+    std::vector<std::unique_ptr<MKImageDisk>> disks;
+    for (int i = 0; i < 4; ++i) {
+        disks.push_back(std::make_unique<MKImageDisk>(folder, limit));
+    }
+    for (int i = 0; i < 300; ++i) {
+        disks[static_cast<size_t>(i % 4)]->insert("http://a/" + std::to_string(i), imageOfSize(2000));
+        EXPECT_LE(bytesIn(folder), limit + 3 * limit / 8) << i;
+    }
+}
+
+TEST_F(MKImageDiskTest, WhatAProcessThatDiedHasBegunIsRemovedLater) {
+    MKImageDisk(folder).insert("http://a/1", imageOfSize(500));
+    const fs::path stored = fs::directory_iterator(folder)->path();
+    const fs::path old = stored.string() + ".ABCDEF", young = stored.string() + ".GHIJKL", other = folder + "/other";
+    for (const fs::path& path : {old, young, other}) {
+        std::ofstream(path) << "part";
+    }
+    fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(2));
+    fs::last_write_time(other, fs::file_time_type::clock::now() - std::chrono::hours(2));
+    MKImageDisk(folder).insert("http://a/2", imageOfSize(500));
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(young)) << "another process may be writing it";
+    EXPECT_TRUE(fs::exists(other)) << "it is none of ours";
+}
+
+TEST_F(MKImageDiskTest, AFolderThatGoesAwayIsMadeAgain) {
+    MKImageDisk disk(folder);
+    disk.insert("http://a/1", imageOfSize(500));
+    fs::remove_all(temporary / "made");
+    EXPECT_FALSE(disk.find("http://a/1"));
+    disk.insert("http://a/1", imageOfSize(500));
+    EXPECT_TRUE(disk.find("http://a/1"));
+}
+
+TEST_F(MKImageDiskTest, AFolderThatCannotBeWrittenGivesWhatIsInIt) {
+    MKImageDisk disk(folder);
+    disk.insert("http://a/1", imageOfSize(500));
+    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
+    disk.insert("http://a/2", imageOfSize(500));
+    EXPECT_TRUE(disk.find("http://a/1"));
+    EXPECT_EQ(disk.find("http://a/2").has_value(), geteuid() == 0) << "nothing stops the administrator";
+    fs::permissions(folder, fs::perms::owner_all);
 }
 
 TEST_F(MKImageDiskTest, WhatIsLargerThanAllOfItIsNotStored) {

@@ -113,6 +113,59 @@ TEST_F(MKTileArchiveTest, DamageInTheMiddleIsReportedAndNotFatal) {
     EXPECT_GT(problems, 0);
 }
 
+TEST_F(MKTileArchiveTest, TablesMayBeViews) {
+    MKTileArchive archive(write("a.mbtiles", "CREATE TABLE metadata (name text, value text);"
+                                             "CREATE TABLE map (zoom_level, tile_column, tile_row, tile_id);"
+                                             "CREATE TABLE images (tile_id, tile_data);"
+                                             "INSERT INTO map VALUES (2, 1, 1, 'a'), (2, 2, 1, 'a');"
+                                             "INSERT INTO images VALUES ('a', 'sea');"
+                                             "CREATE VIEW tiles AS SELECT zoom_level, tile_column, tile_row, tile_data "
+                                             "FROM map JOIN images ON images.tile_id = map.tile_id"));
+    EXPECT_EQ(archive.read(2, 1, 2), "sea");
+    EXPECT_EQ(archive.read(2, 2, 2), "sea");
+    EXPECT_EQ(archive.contents().minimumZoom, 2);
+}
+
+TEST_F(MKTileArchiveTest, AViewWithoutEndIsGivenUp) {
+    const std::string path = write(
+        "a.mbtiles", "CREATE TABLE metadata (name text, value text);"
+                     "CREATE VIEW tiles AS WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n) "
+                     "SELECT 0 AS zoom_level, i AS tile_column, -i AS tile_row, 'x' AS tile_data FROM n WHERE i < 0");
+    EXPECT_EQ(problemOf(path), path + ": it takes too long to find a tile; there may be no index");
+}
+
+TEST_F(MKTileArchiveTest, ValuesOfOtherTypesAreTakenAsBytes) {
+    MKTileArchive archive(write("a.mbtiles", std::string(tables) + "INSERT INTO tiles VALUES (0, 0, 0, NULL),"
+                                                                   "(1, 0, 0, 12.5), (1, 1, 0, ''),"
+                                                                   "('two', 0, 0, 'x'), (2, 'x', NULL, 'x')"));
+    EXPECT_EQ(archive.read(0, 0, 0), "");
+    EXPECT_EQ(archive.read(1, 0, 1), "12.5");
+    EXPECT_EQ(archive.read(1, 1, 1), "");
+    EXPECT_EQ(archive.read(2, 0, 0), std::nullopt);
+    EXPECT_EQ(archive.contents().minimumZoom, 0);
+}
+
+TEST_F(MKTileArchiveTest, AHugeValueTakesNoMemory) {
+    const std::string path =
+        write("a.mbtiles", "CREATE TABLE metadata (name text, value text);"
+                           "CREATE VIEW tiles AS SELECT 0 AS zoom_level, 0 AS tile_column, 0 AS tile_row, "
+                           "zeroblob(900000000) AS tile_data");
+    try {
+        MKTileArchive(path).read(0, 0, 0);
+        FAIL();
+    } catch (const MKTileArchiveError& error) {
+        EXPECT_EQ(error.what(), path + ": string or blob too big");
+    }
+}
+
+TEST_F(MKTileArchiveTest, ALongOrBrokenAttributionIsCutOffAndMended) {
+    MKTileArchive archive(write("a.mbtiles", std::string(tables) +
+                                                 "INSERT INTO tiles VALUES (0, 0, 0, 'x');"
+                                                 "INSERT INTO metadata SELECT 'attribution', "
+                                                 "CAST(x'ff' AS text) || replace(hex(zeroblob(2000000)), '0', '&')"));
+    EXPECT_EQ(archive.contents().attribution.text, "\ufffd" + std::string(999, '&'));
+}
+
 TEST_F(MKTileArchiveTest, AnArchiveIsNeverWritten) {
     const std::string path = write("a.mbtiles", std::string(tables) + "INSERT INTO tiles VALUES (0, 0, 0, 'x')");
     const auto before = std::filesystem::last_write_time(path);

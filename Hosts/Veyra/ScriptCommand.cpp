@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <pthread.h>
 #include <thread>
+#include <webkit2/webkit2.h>
 
 namespace veyra {
 
@@ -64,6 +65,12 @@ gboolean endProcess(gpointer data) {
     std::_Exit(static_cast<int>(ExitStatus::TimedOut));
 }
 
+/// The engine's collector asks for the process' main loop when a timer starts a full collection, and crashes when there
+/// is none: the browser engine's classes make it known. No display is needed for it.
+void prepareCollector() {
+    g_type_class_ref(WEBKIT_TYPE_WEB_CONTEXT);
+}
+
 } // namespace
 
 Outcome runScript(const CommandLine& line) {
@@ -71,6 +78,7 @@ Outcome runScript(const CommandLine& line) {
     Outcome outcome;
     if (!readFile(line.input, source, outcome))
         return outcome;
+    prepareCollector();
     setMainQueue(new DispatchQueue(g_main_context_default(), "main"));
     configureCreatedViews({.verboseDebugLogging = line.verbose, .tileSource = tileSourceOfEnvironment()});
     GMainLoop* loop = g_main_loop_new(nullptr, FALSE);

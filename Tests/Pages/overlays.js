@@ -49,7 +49,7 @@ behaviour('a line of ten million vertices can be moved about', async () => {
     const start = performance.now();
     equal(await added(map, () => map.addOverlay(line('long', { coordinates }))), 'long', 'identifiers');
     const taken = performance.now() - start;
-    if (taken > 20000)
+    if (taken > 60000)
         throw new Error(`it took ${taken} ms`);
     let slowest = 0;
     let last = performance.now();
@@ -59,7 +59,7 @@ behaviour('a line of ten million vertices can be moved about', async () => {
         slowest = Math.max(slowest, performance.now() - last);
         last = performance.now();
     }
-    if (slowest > 1000)
+    if (slowest > 3000)
         throw new Error(`a frame took ${slowest} ms`);
 });
 

@@ -68,6 +68,19 @@ TEST_F(Script, ABusyScriptsTimersStillRunInTheOrderInWhichTheyAreDue) {
     EXPECT_EQ(ended.output, "due first\ndue second\n");
 }
 
+// The engine then collects all its garbage when a timer says so.
+TEST_F(Script, MayHoldMuchMemoryForLong) {
+    const Finished ended = run(R"(
+        const much = new Float32Array(2 ** 28);
+        let sum = 0;
+        for (let i = 0; i < much.length; i += 1024)
+            sum += much[i];
+        setTimeout(() => console.log('still here', sum), 1500);
+    )");
+    EXPECT_EQ(ended.output, "still here 0\n");
+    EXPECT_EQ(ended.status, 0);
+}
+
 TEST_F(Script, OnlyFunctionsAreTakenToBeCalledLater) {
     const Finished ended = run(R"(
         for (const later of [setTimeout, setInterval, requestAnimationFrame])

@@ -1,6 +1,7 @@
 // What scripts' calls change on the main queue takes effect in the order of the calls. A change that takes long, such
 // as adding a million annotations, is made in slices: the main queue is never held, and the changes after it wait.
 #include "Classes/VeyraView.h"
+#include "Platform/UIKit/UIWindow.h"
 
 #include <algorithm>
 
@@ -46,10 +47,22 @@ void VeyraView::makeChanges(int64_t end) {
     } while (!_changes.empty() && g_get_monotonic_time() < end);
     if (_changes.empty())
         return;
+    idleStateChanged();
     dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), last = g_get_monotonic_time()] {
         const int64_t now = g_get_monotonic_time();
         view->makeChanges(now + std::clamp(now - last, shortestSlice, longestSlice));
+        if (view->_changes.empty())
+            view->idleStateChanged();
     });
+}
+
+bool VeyraView::isIdle() const {
+    return UIView::isIdle() && _changes.empty() && _imageLoads == 0;
+}
+
+void VeyraView::idleStateChanged() {
+    if (const auto shownIn = window())
+        shownIn->idleStateChanged();
 }
 
 } // namespace veyra

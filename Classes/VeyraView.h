@@ -196,7 +196,7 @@ public:
     void connectionDidFinishLoading(NSURLConnection& connection) override;
     void connectionDidFailWithError(NSURLConnection& connection, const std::shared_ptr<NSError>& error) override;
 
-    /// Busy while images are on their way.
+    /// Busy while changes are being made in slices, and while images are on their way.
     bool isIdle() const override;
     void mapViewWillStartLocatingUser(MKMapView& mapView) override;
     void mapViewDidStopLocatingUser(MKMapView& mapView) override;
@@ -267,6 +267,7 @@ private:
     /// The same with the map.
     void onMap(std::function<void(MKMapView&)> change);
     void makeChanges(int64_t end);
+    void idleStateChanged();
 
     void logVerbose(const char* format, const id& argument) const;
 

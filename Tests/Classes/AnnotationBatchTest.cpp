@@ -80,6 +80,19 @@ TEST_F(AnnotationBatch, IsReportedByOneEventInItsOrder) {
     EXPECT_EQ(run("map.selectedAnnotations.join()"), "near29999");
 }
 
+TEST_F(AnnotationBatch, KeepsItsMapBusyUntilItIsMade) {
+    for (const char* call : {"map.addAnnotations(many(200000, far))", "map.removeAnnotations(map.annotations)"}) {
+        run(call);
+        bool early = false;
+        EXPECT_TRUE(runMainUntil([&] {
+            const bool isHalfMade = mapView().annotations().size() % 200000 != 0;
+            early = early || (isHalfMade && view().isIdle());
+            return dispatch_get_main_queue().waitingBlocks() == 0;
+        }));
+        EXPECT_FALSE(early) << call;
+    }
+}
+
 TEST_F(AnnotationBatch, OfAnotherMapDoesNotWait) {
     makeMap("other");
     run("map.addAnnotations(many(200000, far)); other.addAnnotation(far(0))");

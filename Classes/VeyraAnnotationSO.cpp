@@ -28,11 +28,12 @@ std::shared_ptr<VeyraAnnotationSO> VeyraAnnotationSO::initWithWebScriptObject(NS
     record->_coordinate.longitude = object.valueForKey(kOstrelAnnotationLongitude).doubleValue();
     record->_identifier = object.valueForKey(kOstrelAnnotationIdentifier);
     record->_title = object.valueForKey(kOstrelAnnotationTitle);
-    record->_subtitle = object.valueForKey(kOstrelAnnotationSubtitle);
-    record->_imageURLString = object.valueForKey(kOstrelAnnotationImageURL);
+    record->setSubtitle(object.valueForKey(kOstrelAnnotationSubtitle));
+    record->setImageURLString(object.valueForKey(kOstrelAnnotationImageURL));
     // Single precision: pages see the same offsets everywhere.
-    record->_centerOffset.x = object.valueForKey(kOstrelAnnotationXOffset).floatValue();
-    record->_centerOffset.y = object.valueForKey(kOstrelAnnotationYOffset).floatValue();
+    const double xOffset = object.valueForKey(kOstrelAnnotationXOffset).floatValue();
+    const double yOffset = object.valueForKey(kOstrelAnnotationYOffset).floatValue();
+    record->setCenterOffset({xOffset, yOffset});
     record->_hasLeftCalloutButton = object.valueForKey(kOstrelAnnotationHasLeftCallout).boolValue();
     record->_hasRightCalloutButton = object.valueForKey(kOstrelAnnotationHasRightCallout).boolValue();
     record->_pinColor = pinColorFrom(object.valueForKey(kOstrelAnnotationPinColor));
@@ -52,6 +53,32 @@ VeyraAnnotationSO::initDroppedPinAtCoordinateTitleIdentifier(CLLocationCoordinat
     record->_pinColor = 2;
     record->_draggable = true;
     return record;
+}
+
+const VeyraAnnotationSO::Extras& VeyraAnnotationSO::extras() const {
+    static const auto& none = *new Extras();
+    return _extras ? *_extras : none;
+}
+
+VeyraAnnotationSO::Extras& VeyraAnnotationSO::changedExtras() {
+    if (!_extras)
+        _extras = std::make_unique<Extras>();
+    return *_extras;
+}
+
+void VeyraAnnotationSO::setSubtitle(const id& subtitle) {
+    if (_extras || !subtitle.isNil())
+        changedExtras().subtitle = subtitle;
+}
+
+void VeyraAnnotationSO::setImageURLString(const id& string) {
+    if (_extras || !string.isNil())
+        changedExtras().imageURLString = string;
+}
+
+void VeyraAnnotationSO::setCenterOffset(CGPoint offset) {
+    if (_extras || !(offset == CGPoint()))
+        changedExtras().centerOffset = offset;
 }
 
 } // namespace veyra

@@ -27,14 +27,14 @@ public:
     /// The callout's lines, as the page gave them: what is no string too. Without a title there is no callout.
     id title() const override { return _title; }
     void setTitle(const id& title) { _title = title; }
-    id subtitle() const override { return _subtitle; }
-    void setSubtitle(const id& subtitle) { _subtitle = subtitle; }
+    id subtitle() const override { return extras().subtitle; }
+    void setSubtitle(const id& subtitle);
     /// As the page gave it; nil for a pin.
-    const id& imageURLString() const { return _imageURLString; }
-    void setImageURLString(const id& string) { _imageURLString = string; }
+    const id& imageURLString() const { return extras().imageURLString; }
+    void setImageURLString(const id& string);
     /// Of an image from the coordinate, in points, right and down.
-    CGPoint centerOffset() const { return _centerOffset; }
-    void setCenterOffset(CGPoint offset) { _centerOffset = offset; }
+    CGPoint centerOffset() const { return extras().centerOffset; }
+    void setCenterOffset(CGPoint offset);
     bool hasLeftCalloutButton() const { return _hasLeftCalloutButton; }
     void setHasLeftCalloutButton(bool has) { _hasLeftCalloutButton = has; }
     bool hasRightCalloutButton() const { return _hasRightCalloutButton; }
@@ -49,12 +49,19 @@ public:
     void setDraggable(bool draggable) { _draggable = draggable; }
 
 private:
+    /// What most pins do without: there may be a million.
+    struct Extras {
+        id subtitle;
+        id imageURLString;
+        CGPoint centerOffset;
+    };
+    const Extras& extras() const;
+    Extras& changedExtras();
+
     CLLocationCoordinate2D _coordinate{};
     id _identifier;
     id _title;
-    id _subtitle;
-    id _imageURLString;
-    CGPoint _centerOffset;
+    std::unique_ptr<Extras> _extras;
     uint64_t _pinColor = 0;
     bool _hasLeftCalloutButton = false;
     bool _hasRightCalloutButton = false;

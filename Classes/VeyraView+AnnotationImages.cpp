@@ -6,7 +6,6 @@
 #include "Classes/VeyraAnnotationSO.h"
 #include "Classes/VeyraConstants.h"
 #include "Classes/VeyraView.h"
-#include "Platform/UIKit/UIWindow.h"
 
 namespace veyra {
 
@@ -110,14 +109,9 @@ std::vector<std::shared_ptr<VeyraAnnotationSO>> VeyraView::takeDeferredAnnotatio
     return node ? std::move(node.mapped()) : std::vector<std::shared_ptr<VeyraAnnotationSO>>();
 }
 
-bool VeyraView::isIdle() const {
-    return UIView::isIdle() && _imageLoads == 0;
-}
-
 void VeyraView::countImageLoads(int change) {
     _imageLoads += change;
-    if (const auto shownIn = window())
-        shownIn->idleStateChanged();
+    idleStateChanged();
 }
 
 } // namespace veyra

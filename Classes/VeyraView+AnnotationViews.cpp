@@ -15,13 +15,14 @@ const NSString& pinReuseIdentifier() {
     return *identifier;
 }
 
-std::shared_ptr<VeyraAnnotationSO> recordOf(const MKAnnotationView& view) {
-    return std::dynamic_pointer_cast<VeyraAnnotationSO>(view.annotation());
+/// Null when the view's annotation is another. The view keeps it alive.
+const VeyraAnnotationSO* recordOf(const MKAnnotationView& view) {
+    return dynamic_cast<const VeyraAnnotationSO*>(view.annotation().get());
 }
 
 /// The name of the view's annotation in events; nil for one that has none.
 id identifierOf(const MKAnnotationView& view) {
-    if (const auto record = recordOf(view))
+    if (const auto* record = recordOf(view))
         return record->identifier();
     const bool isUser = std::dynamic_pointer_cast<MKUserLocation>(view.annotation()) != nullptr;
     return isUser ? id(kVeyraUserLocationAnnotationIdentifier) : id();
@@ -82,12 +83,13 @@ std::shared_ptr<MKAnnotationView> VeyraView::mapViewViewForAnnotation(MKMapView&
 void VeyraView::mapViewDidAddAnnotationViews(MKMapView&, const std::vector<std::shared_ptr<MKAnnotationView>>& views) {
     const id droppedPin = droppedPinIdentifier();
     NSArray identifiers;
-    std::shared_ptr<VeyraAnnotationSO> dropped;
+    identifiers.reserve(views.size());
+    const VeyraAnnotationSO* dropped = nullptr;
     for (const auto& view : views) {
-        id identifier = identifierOf(*view);
+        const auto* const record = recordOf(*view);
+        id identifier = record ? record->identifier() : identifierOf(*view);
         if (identifier.isNil())
             continue;
-        const auto record = recordOf(*view);
         if (record && identifier == droppedPin)
             dropped = record;
         identifiers.push_back(std::move(identifier));
@@ -139,7 +141,7 @@ void VeyraView::mapViewAnnotationViewDidChangeDragStateFromOldState(MKMapView&,
                                                                     MKAnnotationViewDragState) {
     if (state != MKAnnotationViewDragStateEnding)
         return;
-    const auto record = recordOf(*view);
+    const auto* const record = recordOf(*view);
     if (record && !record->identifier().isNil())
         sendEvent(kVeyraAnnotationDidFinishDrag, {record->identifier(), coordinateObject(record->coordinate())});
 }

@@ -68,9 +68,7 @@ std::shared_ptr<VeyraAnnotationSO> makeRecord(const id& annotation, const id& ca
 
 void VeyraView::addAnnotation(const id& annotation) {
     if (auto record = makeRecord(annotation, callerName("addAnnotation:")))
-        dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), record = std::move(record)] {
-            view->_internalAddAnnotation(record);
-        });
+        onMainQueue([this, record = std::move(record)] { _internalAddAnnotation(record); });
 }
 
 void VeyraView::addAnnotations(const id& annotations) {
@@ -90,15 +88,19 @@ void VeyraView::addAnnotations(const id& annotations) {
             WebScriptObject::throwException(exception.reason());
         }
     });
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), records = std::move(records)] {
-        for (const auto& record : records)
-            runGuarded("addAnnotations", [&] { view->_internalAddAnnotation(record); });
+    onMainQueueInSlices([this, records = std::move(records), next = size_t{0}](int64_t end) mutable {
+        _mapView->setAwaitsMoreAnnotations(true); // one batch is one to the page and on the screen
+        for (bool isTime = true; isTime && next < records.size(); isTime = g_get_monotonic_time() < end) {
+            const auto record = std::move(records[next++]);
+            runGuarded("addAnnotations", [&] { _internalAddAnnotation(record); });
+        }
+        _mapView->setAwaitsMoreAnnotations(next < records.size());
+        return next == records.size();
     });
 }
 
 void VeyraView::removeAnnotation(const id& identifier) {
-    dispatch_async(dispatch_get_main_queue(),
-                   [view = objectForWebScript(), identifier] { view->_internalRemoveAnnotation(identifier); });
+    onMainQueue([this, identifier] { _internalRemoveAnnotation(identifier); });
 }
 
 void VeyraView::removeAnnotations(const id& identifiers) {
@@ -109,33 +111,30 @@ void VeyraView::removeAnnotations(const id& identifiers) {
         if (!isNothing(identifier)) // which finds nothing: a false length costs no memory
             collected.push_back(identifier);
     });
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), collected = std::move(collected)] {
-        for (const id& identifier : collected)
-            view->_internalRemoveAnnotation(identifier);
+    onMainQueueInSlices([this, collected = std::move(collected), next = size_t{0}](int64_t end) mutable {
+        for (bool isTime = true; isTime && next < collected.size(); isTime = g_get_monotonic_time() < end)
+            _internalRemoveAnnotation(collected[next++]);
+        return next == collected.size();
     });
 }
 
 void VeyraView::selectAnnotationAnimated(const id& identifier, bool animated) {
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier, animated] {
-        if (const auto record = view->registeredAnnotation(identifier, cannotSelect))
-            view->_mapView->selectAnnotationAnimated(record, animated);
+    onMainQueue([this, identifier, animated] {
+        if (const auto record = registeredAnnotation(identifier, cannotSelect))
+            _mapView->selectAnnotationAnimated(record, animated);
     });
 }
 
 void VeyraView::deselectAnnotationAnimated(const id& identifier, bool animated) {
-    dispatch_async(dispatch_get_main_queue(), [view = objectForWebScript(), identifier, animated] {
-        if (const auto record = view->registeredAnnotation(identifier, cannotDeselect))
-            view->_mapView->deselectAnnotationAnimated(record, animated);
+    onMainQueue([this, identifier, animated] {
+        if (const auto record = registeredAnnotation(identifier, cannotDeselect))
+            _mapView->deselectAnnotationAnimated(record, animated);
     });
 }
 
 id VeyraView::annotations() const {
-    NSArray identifiers;
     const NSLockGuard guard(_lock);
-    identifiers.reserve(_mapAnnotations.size());
-    for (const auto& entry : _mapAnnotations)
-        identifiers.push_back(entry.first);
-    return id(std::move(identifiers));
+    return id(_mapAnnotations.identifiers());
 }
 
 id VeyraView::selectedAnnotations() const {
@@ -147,8 +146,7 @@ std::shared_ptr<VeyraAnnotationSO> VeyraView::registeredAnnotation(const id& ide
     std::shared_ptr<VeyraAnnotationSO> record;
     {
         const NSLockGuard guard(_lock);
-        if (const auto found = _mapAnnotations.find(identifier); found != _mapAnnotations.end())
-            record = found->second;
+        record = _mapAnnotations.find(identifier);
     }
     if (!record && !isNothing(identifier))
         logVerbose(complaint, identifier);
@@ -174,9 +172,9 @@ void VeyraView::_internalAddAnnotation(const std::shared_ptr<VeyraAnnotationSO>&
 
 void VeyraView::putOnMap(const std::shared_ptr<VeyraAnnotationSO>& record) {
     _mapView->addAnnotation(record);
-    std::shared_ptr<VeyraAnnotationSO> former = record; // outlives the guard: what it replaces is released without it
+    std::shared_ptr<VeyraAnnotationSO> former; // outlives the guard: what is replaced is released without it
     const NSLockGuard guard(_lock);
-    std::swap(_mapAnnotations[record->identifier()], former);
+    former = _mapAnnotations.put(record);
 }
 
 void VeyraView::_internalRemoveAnnotation(const id& identifier) {
@@ -185,7 +183,7 @@ void VeyraView::_internalRemoveAnnotation(const id& identifier) {
         return;
     {
         const NSLockGuard guard(_lock);
-        _mapAnnotations.erase(identifier);
+        _mapAnnotations.take(identifier);
     }
     _mapView->removeAnnotation(record);
 }

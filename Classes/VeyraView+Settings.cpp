@@ -66,8 +66,7 @@ void VeyraView::setLongPressDropsPin(bool drops) {
         const NSLockGuard guard(_lock);
         _longPressDropsPin = drops;
     }
-    dispatch_async(dispatch_get_main_queue(),
-                   [view = objectForWebScript(), drops] { view->updateLongPressGestureRecognizer(drops); });
+    onMainQueue([this, drops] { updateLongPressGestureRecognizer(drops); });
 }
 
 void VeyraView::updateLongPressGestureRecognizer(bool drops) {

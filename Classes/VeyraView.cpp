@@ -140,9 +140,4 @@ void VeyraView::sendEvent(const NSString& name, NSArray arguments) {
     _veyra_webThreadCallWebScriptMethod(jsListener(), name, std::move(arguments));
 }
 
-void VeyraView::onMap(std::function<void(MKMapView&)> change) {
-    dispatch_async(dispatch_get_main_queue(),
-                   [view = objectForWebScript(), change = std::move(change)] { change(*view->_mapView); });
-}
-
 } // namespace veyra

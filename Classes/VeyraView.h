@@ -7,6 +7,7 @@
 // then.
 #pragma once
 
+#include "Classes/VeyraAnnotationRegistry.h"
 #include "Platform/Foundation/NSDictionary.h"
 #include "Platform/Foundation/NSLock.h"
 #include "Platform/Foundation/NSURLConnection.h"
@@ -16,11 +17,11 @@
 #include "Platform/UIKit/UIView.h"
 
 #include <atomic>
+#include <deque>
 #include <unordered_map>
 
 namespace veyra {
 
-class VeyraAnnotationSO;
 class VeyraOverlay;
 class VeyraRegionSO;
 class VeyraLocationCoordinateSO;
@@ -195,7 +196,7 @@ public:
     void connectionDidFinishLoading(NSURLConnection& connection) override;
     void connectionDidFailWithError(NSURLConnection& connection, const std::shared_ptr<NSError>& error) override;
 
-    /// Busy while images are on their way.
+    /// Busy while changes are being made in slices, and while images are on their way.
     bool isIdle() const override;
     void mapViewWillStartLocatingUser(MKMapView& mapView) override;
     void mapViewDidStopLocatingUser(MKMapView& mapView) override;
@@ -256,8 +257,18 @@ private:
 
     /// Asks the host's web view for permission to locate the user; one that cannot be asked has denied it.
     void askForLocation();
-    /// Runs the block with the map on the main queue; the view lives until then.
+    // What scripts' calls change on the main queue, in the order of the calls: VeyraView+Changes.cpp
+    /// A change that may take long: goes on with it until the time `end` and says whether it is complete. Until then it
+    /// is called again, what the main queue has to do for others comes in between, and later changes wait.
+    using LongChange = std::function<bool(int64_t end)>;
+    /// Makes the change when its turn has come; the view lives until then.
+    void onMainQueue(Block change);
+    void onMainQueueInSlices(LongChange change);
+    /// The same with the map.
     void onMap(std::function<void(MKMapView&)> change);
+    void makeChanges(int64_t end);
+    void idleStateChanged();
+
     void logVerbose(const char* format, const id& argument) const;
 
     // Overlays: VeyraView+Overlays.cpp
@@ -285,7 +296,8 @@ private:
     std::unordered_map<id, std::string> _downloadsInProgress;              // what has come of each image
     std::unordered_map<const NSURLConnection*, id> _URLsByConnection;      // entries stay when connections go
     std::vector<std::shared_ptr<NSURLConnection>> _imageDownloadConnections;
-    int _imageLoads = 0; // loading or being decoded
+    int _imageLoads = 0;             // loading or being decoded
+    std::deque<LongChange> _changes; // the one under way and those that wait behind it
 
     mutable NSLock _lock;
     std::weak_ptr<NSObject> _delegate VEYRA_GUARDED_BY(_lock);
@@ -304,7 +316,7 @@ private:
     id _droppedPinTitle VEYRA_GUARDED_BY(_lock);
     id _droppedPinIdentifier VEYRA_GUARDED_BY(_lock);
     std::unordered_map<id, std::shared_ptr<VeyraOverlay>> _overlaysById VEYRA_GUARDED_BY(_lock);
-    std::unordered_map<id, std::shared_ptr<VeyraAnnotationSO>> _mapAnnotations VEYRA_GUARDED_BY(_lock);
+    VeyraAnnotationRegistry _mapAnnotations VEYRA_GUARDED_BY(_lock);
     NSArray _selectedMapAnnotations VEYRA_GUARDED_BY(_lock);
 };
 

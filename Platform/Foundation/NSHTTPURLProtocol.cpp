@@ -146,9 +146,10 @@ void NSHTTPURLProtocol::gotStream(GInputStream* stream) {
     _stream = G_INPUT_STREAM(g_object_ref(stream));
     noteProgress();
     reportRedirection();
+    _left = announcedLength(_message);
     if (const auto listening = client())
         listening->didReceiveResponse(
-            {announcedLength(_message), static_cast<int>(soup_message_get_status(_message)), headerFields(_message)});
+            {_left, static_cast<int>(soup_message_get_status(_message)), headerFields(_message)});
     if (!hasEnded())
         read();
 }
@@ -172,8 +173,11 @@ void NSHTTPURLProtocol::gotBytes(GBytes* bytes) {
     noteProgress();
     gsize size = 0;
     const auto* data = static_cast<const char*>(g_bytes_get_data(bytes, &size));
-    if (size == 0)
-        return finish();
+    if (size == 0) {
+        // The library forgives a server that closes too early if that had announced to close.
+        return _left > 0 ? fail(NSURLErrorNetworkConnectionLost) : finish();
+    }
+    _left -= static_cast<int64_t>(size);
     if (const auto listening = client())
         listening->didLoadData({data, size});
     if (!hasEnded())

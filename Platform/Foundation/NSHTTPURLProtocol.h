@@ -34,6 +34,7 @@ private:
     SoupMessage* _message = nullptr;
     GInputStream* _stream = nullptr;
     GCancellable* const _cancellable;
+    int64_t _left = 0;        // bytes of the announced length to come; negative when none was announced
     bool _connected = false;  // the request has been written to a server
     bool _redirected = false; // and the client has not been told
     DispatchTimer _timeout;

@@ -1,11 +1,9 @@
-// Touches on annotation views: taps select, a press that is held lifts a draggable view, which then follows the finger;
-// drags and pinches move the map. The map's own recognisers see none of them.
+// Touches on annotation views: taps select, a press that is held lifts a draggable view, which then follows the finger.
+// Of the map's own recognisers only those that move it see them.
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKMapView.h"
 #include "Platform/UIKit/UILongPressGestureRecognizer.h"
-#include "Platform/UIKit/UIPanGestureRecognizer.h"
-#include "Platform/UIKit/UIPinchGestureRecognizer.h"
 #include "Platform/UIKit/UITapGestureRecognizer.h"
 
 namespace veyra {
@@ -14,11 +12,6 @@ namespace {
 
 // A lifted view is drawn so far above its place, in points: it looks over the finger.
 constexpr float liftHeight = 14;
-
-bool isUnderWay(const UIGestureRecognizer& recognizer) {
-    return recognizer.state() == UIGestureRecognizerState::Began ||
-           recognizer.state() == UIGestureRecognizerState::Changed;
-}
 
 } // namespace
 
@@ -48,37 +41,6 @@ void MKAnnotationContainerView::addRecognizers() {
     });
     _dragRecognizer->setHandler([this](UIGestureRecognizer& press) { handleDrag(press); });
     addGestureRecognizer(_dragRecognizer);
-
-    // A map that is full of pins can still be moved.
-    _panRecognizer = std::make_shared<UIPanGestureRecognizer>();
-    _panRecognizer->setTouchFilter(takesPress);
-    _panRecognizer->setHandler([this](UIGestureRecognizer&) {
-        if (const auto map = _map.lock()) {
-            map->handlePan(*_panRecognizer);
-        }
-    });
-    addGestureRecognizer(_panRecognizer);
-    _pinchRecognizer = std::make_shared<UIPinchGestureRecognizer>();
-    _pinchRecognizer->setTouchFilter(takesPress);
-    _pinchRecognizer->setHandler([this](UIGestureRecognizer&) {
-        if (const auto map = _map.lock()) {
-            map->handlePinch(*_pinchRecognizer);
-        }
-    });
-    addGestureRecognizer(_pinchRecognizer);
-}
-
-void MKAnnotationContainerView::setMovesMap(bool byDrags, bool byPinches) {
-    _panRecognizer->setEnabled(byDrags);
-    _pinchRecognizer->setEnabled(byPinches);
-}
-
-bool MKAnnotationContainerView::isMovingMap() const {
-    return isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer);
-}
-
-bool MKAnnotationContainerView::isPinchingMap() const {
-    return isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2;
 }
 
 std::shared_ptr<UIView> MKAnnotationContainerView::hitTest(CGPoint point) {

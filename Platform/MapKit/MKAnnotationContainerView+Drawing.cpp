@@ -59,7 +59,7 @@ MKPlacedSprite MKAnnotationContainerView::placedSprite(uint32_t number) {
     const auto pixels = [&](double points) {
         return static_cast<int>(std::lround(std::clamp(points * scale, -farthest, farthest)));
     };
-    return {entry.point, view._sprite.get(), pixels(corner.x) + view._sprite->originX(),
+    return {_store.pointOf(number), view._sprite.get(), pixels(corner.x) + view._sprite->originX(),
             pixels(corner.y) + view._sprite->originY() - pixels(entry.lift)};
 }
 
@@ -68,7 +68,7 @@ void MKAnnotationContainerView::addToOrder(uint32_t number) {
         _store[number].isNewInOrder = true;
         _newInOrder.push_back(number);
     }
-    _orderIsStale = true;
+    _orderIsStale |= !_holdsBackNew;
 }
 
 void MKAnnotationContainerView::updateOrder() {
@@ -85,7 +85,7 @@ void MKAnnotationContainerView::updateOrder() {
     for (const uint32_t number : _newInOrder) {
         _store[number].isNewInOrder = false;
         if (_store[number].view) {
-            added.push_back(orderKey(_store[number].point, number));
+            added.push_back(orderKey(_store.pointOf(number), number));
         }
     }
     _newInOrder.clear();
@@ -105,6 +105,10 @@ void MKAnnotationContainerView::updateSprites() {
     }
     _spritesAreStale = false;
     auto& sprites = _layer.sprites();
+    if (sprites.capacity() < _order.size() || sprites.capacity() / 4 > _order.size()) {
+        sprites = {};
+        sprites.reserve(_order.size() + _order.size() / 8); // no more: there may be a million
+    }
     sprites.resize(_order.size());
     for (size_t i = 0; i < _order.size(); ++i) {
         const auto number = static_cast<uint32_t>(_order[i]);
@@ -201,12 +205,11 @@ void MKAnnotationContainerView::drawInFront(const UIGraphicsContext& context, ui
 void MKAnnotationContainerView::drawAccuracy(const UIGraphicsContext& context) {
     const auto map = _map.lock();
     const auto view = _locationView.lock();
-    const MKAnnotationStore::Entry* const entry = view ? entryOf(*view) : nullptr;
-    if (!entry || !view->showsAccuracy()) {
+    if (!view || !entryOf(*view) || !view->showsAccuracy()) {
         return;
     }
     const double radius = view->accuracyInMapPoints() * map->_camera.scale;
-    const CGPoint center = map->_camera.pointFor(entry->point, map->_viewSize);
+    const CGPoint center = map->_camera.pointFor(_store.pointOf(_store.find(view->annotation().get())), map->_viewSize);
     const double world = MKWorldSide * map->_camera.scale;
     const double first = center.x - std::floor((center.x + radius) / world) * world;
     for (double x = first; x - radius < map->_viewSize.width; x += world) {
@@ -279,7 +282,7 @@ void MKAnnotationContainerView::stepDrops(double timestamp) {
         if (!height || !entry.view || entry.attachSerial != drop.attachSerial || drop.number == _dragged) {
             return;
         }
-        const CGPoint place = map->_camera.pointFor(entry.point, map->_viewSize);
+        const CGPoint place = map->_camera.pointFor(_store.pointOf(drop.number), map->_viewSize);
         // From where the whole pin is above the map.
         const double fall = std::max(0.0, place.y) + heightAboveMap;
         const auto lift = static_cast<float>(height->part * fall + height->points);

@@ -17,7 +17,7 @@ CGRect MKAnnotationContainerView::frameOf(uint32_t number) const {
     if (!map || !map->hasLayout() || !entry.view || !entry.hasPoint) {
         return {};
     }
-    CGPoint point = map->_camera.pointFor(entry.point, map->_viewSize);
+    CGPoint point = map->_camera.pointFor(_store.pointOf(number), map->_viewSize);
     const double world = MKWorldSide * map->_camera.scale;
     point.x -= std::round((point.x - map->_viewSize.width / 2) / world) * world;
     return entry.view->extent().offsetBy(point.x, point.y);
@@ -83,7 +83,7 @@ void MKAnnotationContainerView::select(const std::shared_ptr<MKAnnotation>& anno
     if (number == none) {
         return;
     }
-    if (!_store[number].view && _store[number].hasPoint && MKAnnotationStore::isIn(_area, _store[number].point)) {
+    if (!_store[number].view && _store[number].hasPoint && MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
         askForView(number); // its turn has not come yet
         number = _store.find(annotation.get());
     }
@@ -150,7 +150,7 @@ void MKAnnotationContainerView::deselect() {
     // A view that was kept for its selection alone goes now.
     const uint32_t still = _store.find(annotation.get());
     if (still != none && still != _dragged && still != _selected && _store[still].view &&
-        !MKAnnotationStore::isIn(_area, _store[still].point)) {
+        !MKAnnotationStore::isIn(_area, _store.pointOf(still))) {
         detach(still);
     }
 }

@@ -24,6 +24,8 @@ constexpr double tooWide = 3;
 constexpr int64_t askingTime = 4000, firstAskingTime = 30000;
 // A report waits for no more views after this, which is when a frame is due.
 constexpr int64_t longestWait = 16000;
+// Views of a batch that are drawn as they come; further ones are drawn with its last.
+constexpr size_t drawnAtOnce = 100;
 
 } // namespace
 
@@ -72,10 +74,11 @@ void MKAnnotationContainerView::bringViewsUpToDate() {
 // Takes the views away that have left the area, and notes which annotations have come into it.
 void MKAnnotationContainerView::updateArea() {
     _area = areaAround(margin, marginPart);
+    _orderIsStale |= !_newInOrder.empty();
     updateOrder();
     for (const uint64_t key : _order) {
         const auto number = static_cast<uint32_t>(key);
-        if (number != _selected && number != _dragged && !MKAnnotationStore::isIn(_area, _store[number].point)) {
+        if (number != _selected && number != _dragged && !MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
             detach(number);
         }
     }
@@ -94,7 +97,7 @@ void MKAnnotationContainerView::askForWantedViews(int64_t microseconds) {
         const auto annotation = std::move(_wanted.back());
         _wanted.pop_back();
         const uint32_t number = _store.find(annotation.get());
-        if (number != none && !_store[number].view && MKAnnotationStore::isIn(_area, _store[number].point)) {
+        if (number != none && !_store[number].view && MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
             askForView(number);
         }
     }
@@ -147,7 +150,9 @@ void MKAnnotationContainerView::attach(uint32_t number, const std::shared_ptr<MK
         _locationView = location;
     }
     addToOrder(number);
-    damage(number);
+    if (!_holdsBackNew) {
+        damage(number);
+    }
     _unreported.push_back({number, ++entry.attachSerial});
     scheduleReport();
 }
@@ -167,7 +172,7 @@ void MKAnnotationContainerView::detach(uint32_t number) {
     _orderIsStale = true;
     view->_observer = nullptr;
     view->_sprite = nullptr;
-    if (view->_reuseIdentifier) {
+    if (view->_hasReuseIdentifier) {
         _reuse.add(view);
     }
 }
@@ -175,6 +180,8 @@ void MKAnnotationContainerView::detach(uint32_t number) {
 void MKAnnotationContainerView::add(const std::vector<std::shared_ptr<MKAnnotation>>& annotations) {
     const auto self = sharedView();
     const auto map = _map.lock();
+    _holdsBackNew = _awaitsMore && _unreported.size() > drawnAtOnce;
+    _hasHeldBackNew |= _holdsBackNew;
     for (const auto& annotation : annotations) {
         const uint32_t number = annotation && map ? _store.add(annotation) : none;
         if (number == none || !map->hasLayout()) {
@@ -183,9 +190,26 @@ void MKAnnotationContainerView::add(const std::vector<std::shared_ptr<MKAnnotati
         if (MKMapRectIsNull(_area)) {
             _area = areaAround(margin, marginPart);
         }
-        if (_store[number].hasPoint && MKAnnotationStore::isIn(_area, _store[number].point)) {
+        if (_store[number].hasPoint && MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
             askForView(number);
         }
+    }
+    _holdsBackNew = false;
+}
+
+// To draw all again for every part of a large batch would take longer than to add it.
+void MKAnnotationContainerView::setAwaitsMore(bool awaits) {
+    _awaitsMore = awaits;
+    if (awaits) {
+        return;
+    }
+    if (std::exchange(_hasHeldBackNew, false)) {
+        _orderIsStale = true;
+        _layer.invalidateAll();
+        setNeedsDisplay();
+    }
+    if (_reportQueued) {
+        queueReport(g_get_monotonic_time() + longestWait);
     }
 }
 
@@ -231,7 +255,7 @@ void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnno
     }
     _store.updatePoint(number);
     const bool isNear = isShowingMap() && _store[number].hasPoint && !MKMapRectIsNull(_area) &&
-                        MKAnnotationStore::isIn(_area, _store[number].point);
+                        MKAnnotationStore::isIn(_area, _store.pointOf(number));
     if (!_store[number].view) {
         if (isNear) {
             askForView(number);
@@ -260,7 +284,10 @@ void MKAnnotationContainerView::scheduleReport() {
     }
     _reportQueued = true;
     setNeedsAnimationStep();
-    const int64_t deadline = g_get_monotonic_time() + longestWait;
+    queueReport(g_get_monotonic_time() + longestWait);
+}
+
+void MKAnnotationContainerView::queueReport(int64_t deadline) {
     dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), deadline] {
         if (const auto self = std::static_pointer_cast<MKAnnotationContainerView>(weak.lock())) {
             self->reportUnlessMoreIsComing(deadline);
@@ -270,18 +297,14 @@ void MKAnnotationContainerView::scheduleReport() {
 
 // What waits in the queue may add more views: it goes first. Other maps wait like this one, so not for ever.
 void MKAnnotationContainerView::reportUnlessMoreIsComing(int64_t deadline) {
-    if (!_reportQueued) {
+    if (!_reportQueued || _awaitsMore) {
         return;
     }
     if (dispatch_get_main_queue().waitingBlocks() > 0 && g_get_monotonic_time() < deadline) {
-        dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), deadline] {
-            if (const auto self = std::static_pointer_cast<MKAnnotationContainerView>(weak.lock())) {
-                self->reportUnlessMoreIsComing(deadline);
-            }
-        });
-        return;
+        queueReport(deadline);
+    } else {
+        reportAddedViews();
     }
-    reportAddedViews();
 }
 
 void MKAnnotationContainerView::reportAddedViews() {

@@ -60,7 +60,7 @@ MKAnnotationContainerView::viewForAnnotation(const std::shared_ptr<MKAnnotation>
 bool MKAnnotationContainerView::stepAnimations(double timestamp) {
     const auto self = sharedView();
     bringViewsUpToDate();
-    if (_reportQueued) {
+    if (_reportQueued && !_awaitsMore) {
         reportAddedViews();
     }
     stepDrops(timestamp);
@@ -69,7 +69,7 @@ bool MKAnnotationContainerView::stepAnimations(double timestamp) {
 }
 
 bool MKAnnotationContainerView::isIdle() const {
-    return _wanted.empty() && !_reportQueued && _drops.isEmpty();
+    return _wanted.empty() && !_reportQueued && !_awaitsMore && _drops.isEmpty();
 }
 
 } // namespace veyra

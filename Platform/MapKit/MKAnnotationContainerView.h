@@ -23,8 +23,6 @@ class MKUserLocationView;
 class UIButton;
 class UIGestureRecognizer;
 class UILongPressGestureRecognizer;
-class UIPanGestureRecognizer;
-class UIPinchGestureRecognizer;
 class UITapGestureRecognizer;
 
 class MKAnnotationContainerView final : public UIView, private MKAnnotationViewObserver {
@@ -36,6 +34,7 @@ public:
 
     // What the map's own methods of these names do.
     void add(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
+    void setAwaitsMore(bool awaits);
     void remove(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
     std::vector<std::shared_ptr<MKAnnotation>> annotations() const { return _store.all(); }
     void coordinateDidChange(const std::shared_ptr<MKAnnotation>& annotation);
@@ -51,11 +50,6 @@ public:
     void cameraDidChange();
     /// The map has come to rest: views are given, and taken away, at once.
     void bringViewsUpToDate();
-    /// Whether drags and pinches that begin on views move the map, as they do beside them.
-    void setMovesMap(bool byDrags, bool byPinches);
-    /// True while such a drag or pinch is under way.
-    bool isMovingMap() const;
-    bool isPinchingMap() const;
     /// A touch went down on the map beside all views.
     void mapTouched();
     /// The map was tapped beside all views.
@@ -99,6 +93,7 @@ private:
     void detach(uint32_t number);
     void removeOne(const std::shared_ptr<MKAnnotation>& annotation);
     void scheduleReport();
+    void queueReport(int64_t deadline);
     void reportUnlessMoreIsComing(int64_t deadline);
     void reportAddedViews();
     bool isUnreported(uint32_t number) const;
@@ -179,6 +174,9 @@ private:
     bool _askingQueued = false;
     std::vector<Attachment> _unreported;
     bool _reportQueued = false;
+    bool _awaitsMore = false;   // of a batch
+    bool _holdsBackNew = false; // views that are given now are drawn with the last of their batch
+    bool _hasHeldBackNew = false;
 
     MKDropAnimation _drops;
     std::unique_ptr<DispatchTimer> _dropTimer;
@@ -201,8 +199,6 @@ private:
     uint32_t _pressed = none;                // the view under the touch that began last
     std::shared_ptr<UITapGestureRecognizer> _tapRecognizer;
     std::shared_ptr<UILongPressGestureRecognizer> _dragRecognizer;
-    std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
-    std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
 
     uint32_t _dragged = none;
     CLLocationCoordinate2D _coordinateBeforeDrag;

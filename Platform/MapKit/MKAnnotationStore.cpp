@@ -5,15 +5,16 @@
 namespace veyra {
 
 uint32_t MKAnnotationStore::add(const std::shared_ptr<MKAnnotation>& annotation) {
-    const auto number = _free.empty() ? static_cast<uint32_t>(_entries.size()) : _free.back();
-    if (!_numbers.emplace(annotation.get(), number).second) {
+    if (find(annotation.get()) != none) {
         return none;
     }
+    const auto number = _free.empty() ? static_cast<uint32_t>(_entries.size()) : _free.back();
     if (_free.empty()) {
-        _entries.emplace_back();
+        _entries.resize(_entries.size() + 1);
     } else {
         _free.pop_back();
     }
+    _numbers.insert(hashOf(annotation.get()), number);
     _entries[number].annotation = annotation;
     updatePoint(number);
     return number;
@@ -24,7 +25,7 @@ void MKAnnotationStore::remove(uint32_t number) {
     if (entry.hasPoint) {
         _index.remove(number);
     }
-    _numbers.erase(entry.annotation.get());
+    _numbers.remove(hashOf(entry.annotation.get()), number);
     Entry freed;
     freed.attachSerial = entry.attachSerial; // goes on: whoever remembers the former one sees that it is over
     freed.isNewInOrder = entry.isNewInOrder; // the number stays in the list of new ones
@@ -33,8 +34,9 @@ void MKAnnotationStore::remove(uint32_t number) {
 }
 
 uint32_t MKAnnotationStore::find(const MKAnnotation* annotation) const {
-    const auto found = _numbers.find(annotation);
-    return found == _numbers.end() ? none : found->second;
+    return _numbers.find(hashOf(annotation), [this, annotation](uint32_t number) {
+        return _entries[number].annotation.get() == annotation;
+    });
 }
 
 void MKAnnotationStore::updatePoint(uint32_t number) {
@@ -46,17 +48,16 @@ void MKAnnotationStore::updatePoint(uint32_t number) {
     entry.hasPoint = std::isfinite(coordinate.latitude) && std::isfinite(coordinate.longitude);
     if (entry.hasPoint) {
         const double longitude = std::remainder(coordinate.longitude, 360);
-        entry.point = MKMapPointForCoordinate({coordinate.latitude, longitude});
-        _index.insert(number, entry.point);
+        _index.insert(number, MKMapPointForCoordinate({coordinate.latitude, longitude}));
     }
 }
 
 std::vector<std::shared_ptr<MKAnnotation>> MKAnnotationStore::all() const {
     std::vector<std::shared_ptr<MKAnnotation>> annotations;
     annotations.reserve(_numbers.size());
-    for (const Entry& entry : _entries) {
-        if (entry.annotation) {
-            annotations.push_back(entry.annotation);
+    for (size_t number = 0; number < _entries.size(); ++number) {
+        if (const auto& annotation = _entries[number].annotation) {
+            annotations.push_back(annotation);
         }
     }
     return annotations;

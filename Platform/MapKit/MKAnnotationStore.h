@@ -2,21 +2,19 @@
 // while it is in view. Owned by the map's annotations; main queue only.
 #pragma once
 
+#include "Platform/Foundation/NumberTable.h"
 #include "Platform/MapKit/MKAnnotationView.h"
 #include "Platform/MapKit/MKPointIndex.h"
-
-#include <unordered_map>
 
 namespace veyra {
 
 class MKAnnotationStore {
 public:
-    static constexpr uint32_t none = UINT32_MAX;
+    static constexpr uint32_t none = NumberTable::none;
 
     struct Entry {
         std::shared_ptr<MKAnnotation> annotation; // null: the number is free
         std::shared_ptr<MKAnnotationView> view;
-        MKMapPoint point; // x in the world
         bool hasPoint = false;
         bool hasBeenShown = false; // a pin falls once
         bool isNewInOrder = false;
@@ -37,6 +35,8 @@ public:
 
     Entry& operator[](uint32_t number) { return _entries[number]; }
     const Entry& operator[](uint32_t number) const { return _entries[number]; }
+    /// The annotation's place on the map, x in the world, or the last one that it had.
+    MKMapPoint pointOf(uint32_t number) const { return _index.pointOf(number); }
     size_t size() const { return _numbers.size(); }
     std::vector<std::shared_ptr<MKAnnotation>> all() const;
     /// The numbers of the annotations in a rectangle of the map, which may lie on any copy of the world or on several.
@@ -45,9 +45,11 @@ public:
     static bool isIn(const MKMapRect& rect, MKMapPoint point);
 
 private:
-    std::vector<Entry> _entries;
+    static size_t hashOf(const MKAnnotation* annotation) { return std::hash<const void*>()(annotation); }
+
+    BlockArray<Entry> _entries;
     std::vector<uint32_t> _free;
-    std::unordered_map<const MKAnnotation*, uint32_t> _numbers;
+    NumberTable _numbers;
     MKPointIndex _index;
 };
 

@@ -20,10 +20,24 @@ Class MKAnnotationView::classObject() {
     return cls;
 }
 
+const MKAnnotationView::Extras MKAnnotationView::noExtras{};
+
+MKAnnotationView::MKAnnotationView(Maker, const std::shared_ptr<MKAnnotation>& annotation,
+                                   const std::optional<NSString>& reuseIdentifier)
+    : _annotation(annotation), _reuseIdentifier(reuseIdentifier.value_or(NSString())),
+      _hasReuseIdentifier(reuseIdentifier.has_value()) {}
+
 std::shared_ptr<MKAnnotationView>
 MKAnnotationView::initWithAnnotationReuseIdentifier(const std::shared_ptr<MKAnnotation>& annotation,
                                                     const std::optional<NSString>& reuseIdentifier) {
-    return std::shared_ptr<MKAnnotationView>(new MKAnnotationView(annotation, reuseIdentifier));
+    return std::make_shared<MKAnnotationView>(Maker(), annotation, reuseIdentifier);
+}
+
+MKAnnotationView::Extras& MKAnnotationView::changedExtras() {
+    if (!_extras) {
+        _extras = std::make_unique<Extras>();
+    }
+    return *_extras;
 }
 
 void MKAnnotationView::setAnnotation(const std::shared_ptr<MKAnnotation>& annotation) {
@@ -32,29 +46,32 @@ void MKAnnotationView::setAnnotation(const std::shared_ptr<MKAnnotation>& annota
 }
 
 void MKAnnotationView::setImage(const std::shared_ptr<UIImage>& image) {
-    if (image != _image) {
+    if (image != this->image()) {
         willChangeLook();
-        _image = image;
+        changedExtras().image = image;
         didChangeLook();
     }
 }
 
 void MKAnnotationView::setCenterOffset(CGPoint offset) {
-    if (!(finite(offset) == _centerOffset)) {
+    if (!(finite(offset) == centerOffset())) {
         willChangeLook();
-        _centerOffset = finite(offset);
+        changedExtras().centerOffset = finite(offset);
         didChangeLook();
     }
 }
 
 void MKAnnotationView::setCalloutOffset(CGPoint offset) {
-    _calloutOffset = finite(offset);
-    didChangeCallout();
+    if (!(finite(offset) == calloutOffset())) {
+        changedExtras().calloutOffset = finite(offset);
+        didChangeCallout();
+    }
 }
 
 CGRect MKAnnotationView::extent() const {
-    const CGSize size = _image ? _image->size() : CGSize{};
-    return {{_centerOffset.x - size.width / 2, _centerOffset.y - size.height / 2}, size};
+    const Extras& extras = this->extras();
+    const CGSize size = extras.image ? extras.image->size() : CGSize{};
+    return {{extras.centerOffset.x - size.width / 2, extras.centerOffset.y - size.height / 2}, size};
 }
 
 void MKAnnotationView::setEnabled(bool enabled) {
@@ -69,15 +86,15 @@ void MKAnnotationView::setCanShowCallout(bool can) {
 }
 
 void MKAnnotationView::setLeftCalloutAccessoryView(const std::shared_ptr<UIView>& view) {
-    if (view != _leftCalloutAccessoryView) {
-        _leftCalloutAccessoryView = view;
+    if (view != leftCalloutAccessoryView()) {
+        changedExtras().leftCalloutAccessoryView = view;
         didChangeCallout();
     }
 }
 
 void MKAnnotationView::setRightCalloutAccessoryView(const std::shared_ptr<UIView>& view) {
-    if (view != _rightCalloutAccessoryView) {
-        _rightCalloutAccessoryView = view;
+    if (view != rightCalloutAccessoryView()) {
+        changedExtras().rightCalloutAccessoryView = view;
         didChangeCallout();
     }
 }
@@ -98,7 +115,7 @@ CGRect MKAnnotationView::frame() const {
 }
 
 std::shared_ptr<const MKSprite> MKAnnotationView::makeSprite(MKSpriteCache& cache, double deviceScale) const {
-    return _image ? cache.spriteForImage(_image, deviceScale) : nullptr;
+    return image() ? cache.spriteForImage(image(), deviceScale) : nullptr;
 }
 
 void MKAnnotationView::willChangeLook() {

@@ -17,7 +17,7 @@ class MKSprite;
 class MKSpriteCache;
 
 /// The stages of a drag, with the platform's numbers.
-enum MKAnnotationViewDragState : unsigned {
+enum MKAnnotationViewDragState : uint8_t {
     MKAnnotationViewDragStateNone = 0,
     MKAnnotationViewDragStateStarting = 1,  ///< the view is being lifted
     MKAnnotationViewDragStateDragging = 2,  ///< the view follows the finger
@@ -38,8 +38,16 @@ protected:
 };
 
 class MKAnnotationView : public NSObject {
+protected:
+    /// Who may make views: these classes alone.
+    struct Maker {
+        explicit Maker() = default;
+    };
+
 public:
     VEYRA_CLASS()
+    MKAnnotationView(Maker, const std::shared_ptr<MKAnnotation>& annotation,
+                     const std::optional<NSString>& reuseIdentifier);
 
     /// A view for the annotation; views with a reuse identifier go to the map's reuse queue when they leave it.
     static std::shared_ptr<MKAnnotationView>
@@ -48,18 +56,20 @@ public:
 
     const std::shared_ptr<MKAnnotation>& annotation() const { return _annotation; }
     void setAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
-    const std::optional<NSString>& reuseIdentifier() const { return _reuseIdentifier; }
+    std::optional<NSString> reuseIdentifier() const {
+        return _hasReuseIdentifier ? std::optional(_reuseIdentifier) : std::nullopt;
+    }
     /// Called when the view is taken out of the reuse queue. An override calls the base.
     virtual void prepareForReuse() {}
 
     /// Null for none. The view is as large as its image.
-    const std::shared_ptr<UIImage>& image() const { return _image; }
+    const std::shared_ptr<UIImage>& image() const { return extras().image; }
     void setImage(const std::shared_ptr<UIImage>& image);
     /// Where the view's middle lies from the coordinate, and the callout's tip from the middle of the view's upper
     /// edge: points, right and down; default 0. One that is not finite counts as 0.
-    CGPoint centerOffset() const { return _centerOffset; }
+    CGPoint centerOffset() const { return extras().centerOffset; }
     void setCenterOffset(CGPoint offset);
-    CGPoint calloutOffset() const { return _calloutOffset; }
+    CGPoint calloutOffset() const { return extras().calloutOffset; }
     void setCalloutOffset(CGPoint offset);
     /// The view's extent around its coordinate, in points: the frame that it has when the coordinate is the origin.
     virtual CGRect extent() const;
@@ -74,9 +84,9 @@ public:
     void setCanShowCallout(bool can);
     /// What the callout shows beside its text; null for none. Taps on a UIButton are reported by the map, which takes
     /// its tap handler.
-    const std::shared_ptr<UIView>& leftCalloutAccessoryView() const { return _leftCalloutAccessoryView; }
+    const std::shared_ptr<UIView>& leftCalloutAccessoryView() const { return extras().leftCalloutAccessoryView; }
     void setLeftCalloutAccessoryView(const std::shared_ptr<UIView>& view);
-    const std::shared_ptr<UIView>& rightCalloutAccessoryView() const { return _rightCalloutAccessoryView; }
+    const std::shared_ptr<UIView>& rightCalloutAccessoryView() const { return extras().rightCalloutAccessoryView; }
     void setRightCalloutAccessoryView(const std::shared_ptr<UIView>& view);
 
     /// Whether the user may move the annotation. Default false. Withdrawn in a drag, it cancels the drag.
@@ -91,8 +101,6 @@ public:
     CGRect frame() const;
 
 protected:
-    MKAnnotationView(const std::shared_ptr<MKAnnotation>& annotation, const std::optional<NSString>& reuseIdentifier)
-        : _annotation(annotation), _reuseIdentifier(reuseIdentifier) {}
     /// What is drawn for the view at `deviceScale` device pixels a point; null for nothing.
     virtual std::shared_ptr<const MKSprite> makeSprite(MKSpriteCache& cache, double deviceScale) const;
     void willChangeLook();
@@ -102,20 +110,30 @@ private:
     friend class MKAnnotationContainerView;
     void didChangeCallout();
 
+    /// What most pins do without.
+    struct Extras {
+        std::shared_ptr<UIImage> image;
+        CGPoint centerOffset, calloutOffset;
+        std::shared_ptr<UIView> leftCalloutAccessoryView, rightCalloutAccessoryView;
+    };
+    static const Extras noExtras;
+    const Extras& extras() const { return _extras ? *_extras : noExtras; }
+    Extras& changedExtras();
+
     std::shared_ptr<MKAnnotation> _annotation;
-    std::optional<NSString> _reuseIdentifier;
-    std::shared_ptr<UIImage> _image;
-    CGPoint _centerOffset, _calloutOffset;
-    std::shared_ptr<UIView> _leftCalloutAccessoryView, _rightCalloutAccessoryView;
+    NSString _reuseIdentifier;
+    std::unique_ptr<Extras> _extras;
+
+    // For the map that shows the view.
+    MKAnnotationViewObserver* _observer = nullptr;
+    std::shared_ptr<const MKSprite> _sprite;
+
+    bool _hasReuseIdentifier;
     bool _enabled = true;
     bool _selected = false;
     bool _canShowCallout = false;
     bool _draggable = false;
     MKAnnotationViewDragState _dragState = MKAnnotationViewDragStateNone;
-
-    // For the map that shows the view.
-    MKAnnotationViewObserver* _observer = nullptr;
-    std::shared_ptr<const MKSprite> _sprite;
 };
 
 } // namespace veyra

@@ -12,6 +12,10 @@ void MKMapView::addAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>&
     _annotationContainer->add(annotations);
 }
 
+void MKMapView::setAwaitsMoreAnnotations(bool awaits) {
+    _annotationContainer->setAwaitsMore(awaits);
+}
+
 void MKMapView::removeAnnotation(const std::shared_ptr<MKAnnotation>& annotation) {
     _annotationContainer->remove({annotation});
 }

@@ -1,5 +1,6 @@
 // How the user moves the map: drags with inertia, pinches, taps, the wheel and keys.
 #include "Platform/MapKit/MKAnnotationContainerView.h"
+#include "Platform/MapKit/MKCalloutView.h"
 #include "Platform/MapKit/MKCameraAnimation.h"
 #include "Platform/MapKit/MKInertia.h"
 #include "Platform/MapKit/MKMapView.h"
@@ -26,6 +27,17 @@ bool isUnderWay(const UIGestureRecognizer& recognizer) {
            recognizer.state() == UIGestureRecognizerState::Changed;
 }
 
+/// Drags and pinches that begin on annotation views, with one finger or more, move the map as they do beside them: a
+/// map full of pins can be moved. A callout is for reading and its buttons.
+bool canMoveMap(const UIView& touched) {
+    for (const UIView* view = &touched; view; view = view->superview().get()) {
+        if (dynamic_cast<const MKCalloutView*>(view)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 Class MKTouchObserver::classObject() {
@@ -46,6 +58,11 @@ void MKMapView::addRecognizers() {
     _pinchRecognizer = std::make_shared<UIPinchGestureRecognizer>();
     _pinchRecognizer->setHandler([this](UIGestureRecognizer&) { handlePinch(*_pinchRecognizer); });
     addGestureRecognizer(_pinchRecognizer);
+    for (const auto& recognizer :
+         std::initializer_list<std::shared_ptr<UIGestureRecognizer>>{_panRecognizer, _pinchRecognizer}) {
+        recognizer->setTakesKeptTouches(true);
+        recognizer->setTouchFilter([](UIView& touched, const UITouchEvent&) { return canMoveMap(touched); });
+    }
 
     const auto addTap = [this](size_t taps, size_t fingers, double factor) {
         auto tap = std::make_shared<UITapGestureRecognizer>();
@@ -99,8 +116,7 @@ void MKMapView::handlePan(UIPanGestureRecognizer& pan) {
     }
     const CGPoint moved = pan.translationInView();
     pan.setTranslation({});
-    const bool pinchMoves = (isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2) ||
-                            _annotationContainer->isPinchingMap();
+    const bool pinchMoves = isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2;
     if (!pinchMoves && beginFingerChange()) {
         moveCamera(_camera.movedBy(moved.x, moved.y).clamped(_viewSize));
     }
@@ -140,8 +156,7 @@ bool MKMapView::beginFingerChange() {
 }
 
 void MKMapView::endFingerChange(CGPoint velocity) {
-    if (!_changing || !_changedByFingers || isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer) ||
-        _annotationContainer->isMovingMap()) {
+    if (!_changing || !_changedByFingers || isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer)) {
         return;
     }
     if (canAnimate() && std::hypot(velocity.x, velocity.y) > MKInertia::slowestSpeed) {

@@ -58,7 +58,6 @@ void MKMapView::setMapType(MKMapType mapType) {
 void MKMapView::setZoomEnabled(bool enabled) {
     _zoomEnabled = enabled;
     _pinchRecognizer->setEnabled(enabled);
-    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     for (const auto& recognizer : _zoomTapRecognizers) {
         recognizer->setEnabled(enabled);
     }
@@ -68,7 +67,6 @@ void MKMapView::setZoomEnabled(bool enabled) {
 void MKMapView::setScrollEnabled(bool enabled) {
     _scrollEnabled = enabled;
     _panRecognizer->setEnabled(enabled);
-    _annotationContainer->setMovesMap(_scrollEnabled, _zoomEnabled);
     publishInputPolicy();
 }
 

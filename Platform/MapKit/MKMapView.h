@@ -73,6 +73,9 @@ public:
     /// Puts an annotation on the map; one that is there already is ignored.
     void addAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
     void addAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);
+    /// While true, more annotations of a batch that is added in parts are coming: they are reported, and drawn unless
+    /// they are few, when it is false again.
+    void setAwaitsMoreAnnotations(bool awaits);
     /// Takes it off the map; a selected one is reported as deselected first. One that is not there is ignored.
     void removeAnnotation(const std::shared_ptr<MKAnnotation>& annotation);
     void removeAnnotations(const std::vector<std::shared_ptr<MKAnnotation>>& annotations);

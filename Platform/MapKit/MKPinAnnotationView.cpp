@@ -13,12 +13,12 @@ Class MKPinAnnotationView::classObject() {
 std::shared_ptr<MKPinAnnotationView>
 MKPinAnnotationView::initWithAnnotationReuseIdentifier(const std::shared_ptr<MKAnnotation>& annotation,
                                                        const std::optional<NSString>& reuseIdentifier) {
-    return std::shared_ptr<MKPinAnnotationView>(new MKPinAnnotationView(annotation, reuseIdentifier));
+    return std::make_shared<MKPinAnnotationView>(Maker(), annotation, reuseIdentifier);
 }
 
 void MKPinAnnotationView::setPinColor(uint64_t color) {
-    const auto known = color <= MKPinAnnotationColorPurple ? static_cast<MKPinAnnotationColor>(color)
-                                                           : MKPinAnnotationColorRed;
+    const auto known =
+        color <= MKPinAnnotationColorPurple ? static_cast<MKPinAnnotationColor>(color) : MKPinAnnotationColorRed;
     if (known != _pinColor) {
         willChangeLook();
         _pinColor = known;

@@ -6,7 +6,7 @@
 namespace veyra {
 
 /// With the platform's numbers.
-enum MKPinAnnotationColor : unsigned {
+enum MKPinAnnotationColor : uint8_t {
     MKPinAnnotationColorRed = 0,
     MKPinAnnotationColorGreen = 1,
     MKPinAnnotationColorPurple = 2,
@@ -15,6 +15,7 @@ enum MKPinAnnotationColor : unsigned {
 class MKPinAnnotationView final : public MKAnnotationView {
 public:
     VEYRA_CLASS()
+    using MKAnnotationView::MKAnnotationView;
 
     static std::shared_ptr<MKPinAnnotationView>
     initWithAnnotationReuseIdentifier(const std::shared_ptr<MKAnnotation>& annotation,
@@ -33,9 +34,6 @@ protected:
     std::shared_ptr<const MKSprite> makeSprite(MKSpriteCache& cache, double deviceScale) const override;
 
 private:
-    MKPinAnnotationView(const std::shared_ptr<MKAnnotation>& annotation, const std::optional<NSString>& reuseIdentifier)
-        : MKAnnotationView(annotation, reuseIdentifier) {}
-
     MKPinAnnotationColor _pinColor = MKPinAnnotationColorRed;
     bool _animatesDrop = false;
 };

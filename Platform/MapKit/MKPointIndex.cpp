@@ -10,23 +10,19 @@ constexpr double smallestSquare = 16;
 
 } // namespace
 
-void MKPointIndex::clear() {
-    _nodes.assign(1, Node());
-    _places.clear();
-    _count = 0;
-}
-
 void MKPointIndex::insert(uint32_t number, MKMapPoint point) {
     if (_places.size() <= number) {
         _places.resize(size_t{number} + 1);
+        _points.resize(size_t{number} + 1);
     }
+    _points[number] = point;
     ++_count;
     uint32_t node = 0;
     MKMapRect square = MKMapRectWorld;
     for (;;) {
         if (_nodes[node].firstChild == 0) {
-            if (_nodes[node].entries.size() < leafCapacity || square.size.width <= smallestSquare) {
-                put(node, {point, number});
+            if (_nodes[node].numbers.size() < leafCapacity || square.size.width <= smallestSquare) {
+                put(node, number);
                 return;
             }
             split(node, square);
@@ -37,32 +33,32 @@ void MKPointIndex::insert(uint32_t number, MKMapPoint point) {
     }
 }
 
-void MKPointIndex::put(uint32_t node, const Entry& entry) {
-    auto& entries = _nodes[node].entries;
-    _places[entry.number] = {node, static_cast<uint32_t>(entries.size())};
-    entries.push_back(entry);
+void MKPointIndex::put(uint32_t node, uint32_t number) {
+    auto& numbers = _nodes[node].numbers;
+    _places[number] = {node, static_cast<uint32_t>(numbers.size())};
+    numbers.push_back(number);
 }
 
 void MKPointIndex::split(uint32_t node, const MKMapRect& square) {
     const auto firstChild = static_cast<uint32_t>(_nodes.size());
     _nodes.resize(_nodes.size() + 4);
-    const std::vector<Entry> entries = std::move(_nodes[node].entries);
+    const std::vector<uint32_t> numbers = std::move(_nodes[node].numbers);
     _nodes[node] = {firstChild, {}};
-    for (const Entry& entry : entries) {
-        put(firstChild + quarterOf(square, entry.point), entry);
+    for (const uint32_t number : numbers) {
+        put(firstChild + quarterOf(square, _points[number]), number);
     }
 }
 
 void MKPointIndex::remove(uint32_t number) {
     if (--_count == 0) {
-        clear();
+        _nodes = std::vector<Node>(1);
         return;
     }
     const Place place = _places[number];
-    auto& entries = _nodes[place.node].entries;
-    entries[place.position] = entries.back();
-    _places[entries[place.position].number].position = place.position;
-    entries.pop_back();
+    auto& numbers = _nodes[place.node].numbers;
+    numbers[place.position] = numbers.back();
+    _places[numbers[place.position]].position = place.position;
+    numbers.pop_back();
 }
 
 } // namespace veyra

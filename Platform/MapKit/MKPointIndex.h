@@ -2,23 +2,23 @@
 // a search costs goes by what it finds, however many points there are and however they crowd. Main queue only.
 #pragma once
 
+#include "Platform/Foundation/BlockArray.h"
 #include "Platform/MapKit/MKGeometry.h"
 
-#include <array>
 #include <cstdint>
-#include <vector>
 
 namespace veyra {
 
 class MKPointIndex {
 public:
-    MKPointIndex() { clear(); }
+    MKPointIndex() : _nodes(1) {}
 
     /// Adds a point of the world, x and y in [0, MKWorldSide], under a number that is not in use.
     void insert(uint32_t number, MKMapPoint point);
     /// Takes the point of that number out.
     void remove(uint32_t number);
-    void clear();
+    /// The point of a number, or the last one that it had.
+    MKMapPoint pointOf(uint32_t number) const { return _points[number]; }
 
     /// Calls `found` with the number of every point in the rectangle (edges included), in no particular order. The
     /// index must not change meanwhile.
@@ -28,13 +28,9 @@ public:
     }
 
 private:
-    struct Entry {
-        MKMapPoint point;
-        uint32_t number;
-    };
     struct Node {
         uint32_t firstChild = 0; // of four; 0: a leaf
-        std::vector<Entry> entries;
+        std::vector<uint32_t> numbers;
     };
     struct Place {
         uint32_t node, position;
@@ -52,7 +48,7 @@ private:
         const double half = square.size.width / 2;
         return (point.x >= square.origin.x + half ? 1U : 0U) | (point.y >= square.origin.y + half ? 2U : 0U);
     }
-    void put(uint32_t node, const Entry& entry);
+    void put(uint32_t node, uint32_t number);
     void split(uint32_t node, const MKMapRect& square);
 
     template <class Found>
@@ -68,15 +64,16 @@ private:
             }
             return;
         }
-        for (const Entry& entry : node.entries) {
-            if (contains(rect, entry.point)) {
-                found(entry.number);
+        for (const uint32_t number : node.numbers) {
+            if (contains(rect, _points[number])) {
+                found(number);
             }
         }
     }
 
     std::vector<Node> _nodes;
-    std::vector<Place> _places; // by number
+    BlockArray<MKMapPoint> _points; // by number
+    BlockArray<Place> _places;      // by number
     size_t _count = 0;
 };
 

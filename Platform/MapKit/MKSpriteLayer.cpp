@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace veyra {
 
 namespace {
 
 constexpr int side = MKSpriteTile::side;
+// The room of a larger crowd's lists is given back after it has been drawn.
+constexpr size_t mostKeptDrawings = 30000;
 
 int64_t tileIndex(int64_t pixel) {
     return pixel >= 0 ? pixel / side : -((side - 1 - pixel) / side);
@@ -158,6 +161,10 @@ void MKSpriteLayer::bringUpToDate(const TileArea& area) {
         for (const Drawing& drawing : _lists[i]) {
             tile.picture->drawBehind(*drawing.sprite, drawing.x, drawing.y);
         }
+    }
+    const auto add = [](size_t sum, const std::vector<Drawing>& list) { return sum + list.capacity(); };
+    if (std::accumulate(_lists.begin(), _lists.end(), size_t{0}, add) > mostKeptDrawings) {
+        _lists = {};
     }
 }
 

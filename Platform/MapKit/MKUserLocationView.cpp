@@ -13,12 +13,9 @@ Class MKUserLocationView::classObject() {
     return cls;
 }
 
-MKUserLocationView::MKUserLocationView(const std::shared_ptr<MKUserLocation>& location)
-    : MKAnnotationView(location, std::nullopt) {}
-
 std::shared_ptr<MKUserLocationView>
 MKUserLocationView::viewForLocation(const std::shared_ptr<MKUserLocation>& location) {
-    std::shared_ptr<MKUserLocationView> view(new MKUserLocationView(location));
+    auto view = std::make_shared<MKUserLocationView>(Maker(), location, std::nullopt);
     view->setCanShowCallout(true);
     return view;
 }

@@ -10,6 +10,7 @@ namespace veyra {
 class MKUserLocationView final : public MKAnnotationView {
 public:
     VEYRA_CLASS()
+    using MKAnnotationView::MKAnnotationView;
     /// Shows a callout when it is selected.
     static std::shared_ptr<MKUserLocationView> viewForLocation(const std::shared_ptr<MKUserLocation>& location);
 
@@ -21,9 +22,6 @@ public:
 
 protected:
     std::shared_ptr<const MKSprite> makeSprite(MKSpriteCache& cache, double deviceScale) const override;
-
-private:
-    explicit MKUserLocationView(const std::shared_ptr<MKUserLocation>& location);
 };
 
 } // namespace veyra

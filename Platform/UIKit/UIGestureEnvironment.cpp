@@ -42,12 +42,13 @@ void UIGestureEnvironment::begin(UIWindow& window, const UITouchEvent& event) {
     const auto touched = window.hitTest(event.location);
     Recognizers recognizers;
     bool isKept = false;
-    for (auto view = touched; view && !isKept; view = view->containingView()) {
+    for (auto view = touched; view; view = view->containingView()) {
         const auto all = view->gestureRecognizers(); // a filter may change them
         for (const auto& recognizer : all)
-            if (recognizer->isEnabled() && (!recognizer->_touchFilter || recognizer->_touchFilter(*touched, event)))
+            if (recognizer->isEnabled() && (!isKept || recognizer->_takesKeptTouches) &&
+                (!recognizer->_touchFilter || recognizer->_touchFilter(*touched, event)))
                 recognizers.push_back(recognizer);
-        isKept = view->keepsTouches();
+        isKept = isKept || view->keepsTouches();
     }
     window.setTouchIsKept(isKept);
     _touches.push_back({_nextSerial++, event, recognizers});

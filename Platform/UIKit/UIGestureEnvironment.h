@@ -1,6 +1,6 @@
 // Routes a window's touches to the gesture recognisers. The view under a touch when it begins decides: its recognisers
-// and those of its ancestors up to one that keeps its touches, the deepest view first, get the touch until it ends,
-// whatever becomes of the views meanwhile. Owned by the window. Main queue only.
+// and those of its ancestors, beyond one that keeps its touches only those that take such, the deepest view first, get
+// the touch until it ends, whatever becomes of the views meanwhile. Owned by the window. Main queue only.
 #pragma once
 
 #include "Platform/UIKit/UIEvent.h"

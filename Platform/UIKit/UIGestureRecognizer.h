@@ -26,6 +26,8 @@ public:
     /// Asked when a touch begins in the recogniser's view or below it, with the deepest view under the touch; the
     /// recogniser gets the touch when the answer is true, or when there is no filter.
     void setTouchFilter(TouchFilter filter) { _touchFilter = std::move(filter); }
+    /// Whether touches that a view below keeps (UIView::keepsTouches) are the recogniser's too. Default false.
+    void setTakesKeptTouches(bool takes) { _takesKeptTouches = takes; }
     UIGestureRecognizerState state() const { return _state; }
     std::shared_ptr<UIView> view() const { return _view.lock(); }
     bool isEnabled() const { return _enabled; }
@@ -105,6 +107,7 @@ private:
     TouchFilter _touchFilter;
     UIGestureRecognizerState _state = UIGestureRecognizerState::Possible;
     bool _enabled = true;
+    bool _takesKeptTouches = false;
     std::vector<Touch> _touches;
     CGPoint _location;
     std::vector<std::weak_ptr<UIGestureRecognizer>> _waiting;

@@ -1,6 +1,7 @@
 // Images from the bytes of a file. What arrives from a network is trusted with nothing: the kind of image is told by
 // its first bytes and only that decoder is used, and the size is looked at before memory is taken for the pixels.
 #include "Platform/Foundation/WorkQueue.h"
+#include "Platform/UIKit/ImageFileEnd.h"
 #include "Platform/UIKit/UIImage.h"
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
@@ -40,16 +41,17 @@ bool hasTooManyScans(std::string_view data) {
     return false;
 }
 
-/// The decoder for bytes that begin so, or null.
+/// The decoder for bytes that begin so, or null: for those of no image, and of one that is cut off where its decoder
+/// would not say so.
 const char* decoderFor(std::string_view data) {
     if (data.starts_with("\x89PNG\r\n\x1a\n"sv))
-        return "png";
+        return reachesEndOfPNG(data) ? "png" : nullptr;
     if (data.starts_with("\xff\xd8\xff"sv))
-        return hasTooManyScans(data) ? nullptr : "jpeg";
+        return reachesEndOfJPEG(data) && !hasTooManyScans(data) ? "jpeg" : nullptr;
     if (data.starts_with("GIF87a"sv) || data.starts_with("GIF89a"sv))
         return "gif";
     if (data.starts_with("RIFF"sv) && data.size() >= 21 && data.substr(8, 4) == "WEBP"sv)
-        return isAnimatedWebP(data) ? nullptr : "webp";
+        return isAnimatedWebP(data) || !reachesEndOfWebP(data) ? nullptr : "webp";
     if (data.starts_with("\x1f\x8b"sv)) // compressed SVG
         return "svg";
     if (data.starts_with("\xef\xbb\xbf"sv))

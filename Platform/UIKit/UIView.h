@@ -107,7 +107,8 @@ public:
     /// What assistive technology asks for; every view is told.
     virtual void handleAccessibility(const UIAccessibilityEvent&) {}
 
-    /// True when touches that begin in the view, or in one below it, reach no recogniser of the views above it.
+    /// True when touches that begin in the view, or in one below it, reach no recogniser of the views above it, but
+    /// for those that take kept touches.
     virtual bool keepsTouches() const { return false; }
 
     /// The deepest visible view under the point (own points), or null.

@@ -1,34 +1,11 @@
-// The images of annotations, from a real server on a loopback address.
-#include "Classes/VeyraAnnotationSO.h"
+// The images of annotations: when they are loaded, what waits for them, and what shows them.
 #include "Platform/Foundation/MethodBinding.h"
-#include "Tests/Classes/ViewFixture.h"
+#include "Tests/Classes/AnnotationImageFixture.h"
 #include "Tests/Platform/Foundation/CapturedLog.h"
-#include "Tests/Support/HTTPServer.h"
-
-#include <gdk-pixbuf/gdk-pixbuf.h>
 
 namespace veyra {
 
 namespace {
-
-std::string pngOfSize(int width, int height) {
-    GdkPixbuf* const pixbuf = gdk_pixbuf_new(GDK_COLORSPACE_RGB, TRUE, 8, width, height);
-    gdk_pixbuf_fill(pixbuf, 0x3366ccff);
-    gchar* bytes = nullptr;
-    gsize size = 0;
-    EXPECT_TRUE(gdk_pixbuf_save_to_buffer(pixbuf, &bytes, &size, "png", nullptr, nullptr));
-    const std::string file(bytes, size);
-    g_free(bytes);
-    g_object_unref(pixbuf);
-    return file;
-}
-
-/// The same image in a file of exactly that many bytes: what follows the end of a PNG is not looked at.
-std::string pngOfLength(size_t length) {
-    std::string file = pngOfSize(8, 8);
-    file.resize(length, '\0');
-    return file;
-}
 
 /// A host's delegate that answers what the test says.
 class AnsweringDelegate final : public NSObject {
@@ -51,54 +28,7 @@ Class AnsweringDelegate::classObject() {
 
 } // namespace
 
-class AnnotationImage : public ShownMapFixture {
-protected:
-    AnnotationImage() {
-        record();
-        run("const image = (identifier, imageURL, more) => ({ latitude: 1, longitude: 2, identifier, imageURL, ...more "
-            "})");
-        server.serve("/pin.png", pngOfSize(16, 8));
-        server.hold(true);
-    }
-
-    void add(const std::string& identifier, const std::string& url, const std::string& more = "") {
-        run("map.addAnnotation(image('" + identifier + "', '" + url + "', { " + more + " }))");
-        runMain();
-    }
-    /// Identifiers in the order in which the map got their annotations.
-    std::vector<std::string> onMap() {
-        std::vector<std::string> found;
-        for (const auto& entry : instance().view()->mapView()->annotations())
-            if (const auto made = std::dynamic_pointer_cast<VeyraAnnotationSO>(entry))
-                found.push_back(made->identifier().description().utf8());
-        return found;
-    }
-    std::shared_ptr<VeyraAnnotationSO> recordOf(const std::string& identifier) {
-        for (const auto& entry : mapView().annotations())
-            if (const auto made = std::dynamic_pointer_cast<VeyraAnnotationSO>(entry))
-                if (made->identifier() == id(identifier.c_str()))
-                    return made;
-        return nullptr;
-    }
-    /// Lets the server answer, waits until nothing is being loaded any more, and delivers the events.
-    void load() {
-        server.hold(false);
-        EXPECT_TRUE(runMainUntil([&] { return view().isIdle(); }));
-        server.hold(true);
-        settle();
-    }
-    std::string annotations() { return run("map.annotations.sort().join()"); }
-    std::string failures() {
-        return run("events.splice(0).filter(event => event.startsWith('mapFailed')).join('\\n')");
-    }
-    /// The image of the annotation's view.
-    std::shared_ptr<UIImage> imageOf(const std::string& identifier) {
-        const auto shown = mapView().viewForAnnotation(recordOf(identifier));
-        return shown ? shown->image() : nullptr;
-    }
-
-    test::HTTPServer server;
-};
+class AnnotationImage : public AnnotationImageFixture {};
 
 TEST_F(AnnotationImage, IsWaitedForAndThenShown) {
     add("a", server.url("/pin.png"));

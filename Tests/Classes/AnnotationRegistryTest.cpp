@@ -222,6 +222,37 @@ TEST_F(AnnotationRegistry, IdentifiersAreTextsOfAnyKind) {
     EXPECT_EQ(onMap(), "");
 }
 
+TEST_F(AnnotationRegistry, IdentifiersThatAreNoTextsAreRefused) {
+    for (const char* identifier :
+         {"5", "NaN", "-0", "Infinity", "true", "{}", "[]", "['a']", "new String('a')", "() => 'a'", "/a/",
+          "globalThis", "map", "{ toString() { throw 1 } }", "new Proxy({}, { get() { throw 1 } })"}) {
+        const std::string given = std::string("pin(") + identifier + ")";
+        EXPECT_EQ(run("map.addAnnotation(" + given + ")"),
+                  "threw: Error: Annotation identifiers must be of type string")
+            << identifier;
+        EXPECT_EQ(run("map.addAnnotations([" + given + "])"),
+                  "threw: Error: Annotation identifiers must be of type string")
+            << identifier;
+    }
+    for (const char* identifier : {"null", "undefined", "Symbol('a')", "5n"})
+        EXPECT_EQ(run(std::string("map.addAnnotation(pin(") + identifier + "))"),
+                  "threw: Error: Object passed to 'addAnnotation' does not contain keys (\n    identifier\n)")
+            << identifier;
+    runMain();
+    EXPECT_EQ(annotations(), "");
+}
+
+TEST_F(AnnotationRegistry, AnyValueCanBeLookedFor) {
+    EXPECT_EQ(logged("map.addAnnotation(pin('a'));"
+                     "for (const value of [5, NaN, true, {}, [], ['a'], new String('a'), () => 'a', Symbol(), 5n, map,"
+                     "                     { toString() { throw 1 } }, new Proxy({}, { get() { throw 1 } })])"
+                     "  for (const call of ['removeAnnotation', 'selectAnnotation', 'deselectAnnotation'])"
+                     "    map[call](value, true)")
+                  .find("'a'"),
+              std::string::npos);
+    EXPECT_EQ(annotations(), "a");
+}
+
 TEST_F(AnnotationRegistry, NumbersDoNotNameWhatIsNamedByAText) {
     run("map.addAnnotation(pin('5')); map.removeAnnotation(5); map.removeAnnotation(new String('5'))");
     runMain();

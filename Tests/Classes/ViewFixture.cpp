@@ -52,14 +52,17 @@ public:
     MainRole& operator=(const MainRole&) = delete;
 };
 
-// A queue may rest for a moment between its blocks: the block queued here tells when its predecessors have run.
+// A queue may rest for a moment between its blocks: the block queued here tells when its predecessors have run. They
+// may have queued others.
 void runQueue(DispatchQueue& queue) {
-    bool done = false;
-    queue.async([&] { done = true; });
-    while (!done)
-        g_main_context_iteration(queue.context(), TRUE);
-    while (g_main_context_iteration(queue.context(), FALSE)) {
-    }
+    do {
+        bool done = false;
+        queue.async([&] { done = true; });
+        while (!done)
+            g_main_context_iteration(queue.context(), TRUE);
+        while (g_main_context_iteration(queue.context(), FALSE)) {
+        }
+    } while (queue.waitingBlocks() > 0);
 }
 
 JSClassRef nativeFunctionClass() {

@@ -3,6 +3,7 @@
 
 #include "Classes/VeyraView.h"
 #include "Platform/Foundation/DispatchQueue.h"
+#include "Platform/Foundation/NSURL.h"
 #include "Platform/WebKit/WebPlugInContainer.h"
 #include "Platform/WebKit/WebThread.h"
 
@@ -68,6 +69,34 @@ TEST_F(HostConfigurationTest, TheDelegateResolvesAddressesAgainstThePage) {
     EXPECT_EQ(address(view, "/a/../pin.png?x=1"), "https://example.org/pin.png?x=1");
     EXPECT_EQ(address(view, "http://other.example/p"), "http://other.example/p");
     EXPECT_EQ(address(view, "data:image/png;base64,AA=="), "data:image/png;base64,AA==");
+}
+
+TEST_F(HostConfigurationTest, TheDelegateReadsAddressesAsBrowsersDo) {
+    const auto view = viewOfPage("https://example.org/maps/page.html");
+    EXPECT_EQ(address(view, " \n red pin.png\t"), "https://example.org/maps/red%20pin.png");
+    EXPECT_EQ(address(view, "p\nin.png"), "https://example.org/maps/pin.png");
+    EXPECT_EQ(address(view, "\u00e9t\u00e9.png?q=\u20ac#\U0001f4cd"),
+              "https://example.org/maps/%C3%A9t%C3%A9.png?q=%E2%82%AC#%F0%9F%93%8D");
+    EXPECT_EQ(address(view, "//m\u00fcnchen.example/p"), "https://xn--mnchen-3ya.example/p");
+    EXPECT_EQ(address(view, "a\\b.png?c\\d"), "https://example.org/maps/a/b.png?c%5Cd");
+    EXPECT_EQ(address(view, "50%.png"), "https://example.org/maps/50%25.png");
+    EXPECT_EQ(address(view, "a%20b%zz.png"), "https://example.org/maps/a%20b%25zz.png");
+    EXPECT_EQ(address(view, "{a|b}^`\"<>.png"), "https://example.org/maps/%7Ba%7Cb%7D%5E%60%22%3C%3E.png");
+    EXPECT_EQ(address(view, "p#a#b"), "https://example.org/maps/p#a%23b");
+    EXPECT_EQ(address(view, "data:image/svg+xml,<svg a=\"1\">\\"), "data:image/svg+xml,%3Csvg%20a=%221%22%3E%5C");
+    EXPECT_EQ(address(view, ""), "https://example.org/maps/page.html");
+    EXPECT_EQ(address(view, id(NSString(std::u16string_view(u"a\0\xd800.png", 7)))),
+              "https://example.org/maps/a%00%EF%BF%BD.png");
+}
+
+TEST_F(HostConfigurationTest, EveryAddressOfTheDelegateIsLegal) {
+    const auto view = viewOfPage("https://example.org/maps/page.html");
+    for (char16_t unit = 0; unit < 0x300; ++unit) {
+        const std::u16string text = std::u16string(u"a") + unit + u"b";
+        const std::string made = address(view, id(NSString(std::u16string_view(text))));
+        EXPECT_NE(NSURL::URLWithString(id(NSString(std::string_view(made)))), nullptr)
+            << made << ' ' << static_cast<int>(unit);
+    }
 }
 
 TEST_F(HostConfigurationTest, TheDelegateGivesNoAddressForWhatIsNone) {

@@ -61,6 +61,72 @@ TEST_F(AnnotationInput, AClickSelectsAndAClickElsewhereDeselects) {
     EXPECT_EQ(heard(), "mapDidDeselectAnnotation north");
 }
 
+TEST_F(AnnotationInput, AFingersTapSelects) {
+    browser.touch(GDK_TOUCH_BEGIN, 1, 200, 130);
+    browser.touch(GDK_TOUCH_END, 1, 200, 130);
+    EXPECT_TRUE(Browser::waitUntil([&] { return heard() == "mapDidSelectAnnotation north"; }));
+}
+
+TEST_F(AnnotationInput, APressThatIsHeldLiftsAPinAndADragSetsItDownElsewhere) {
+    browser.run(
+        "map.removeAnnotation('north');"
+        "map.addAnnotation({ latitude: 0, longitude: 0, identifier: 'north', title: 'north', draggable: true, "
+        "pinAnimatesDrop: false }); "
+        "map.listener = { mapAnnotationDidFinishDrag(identifier, at) { "
+        "  heard.push(identifier + ' ' + at.latitude.toFixed(2) + ' ' + at.longitude.toFixed(2)) } }; return ''");
+    browser.waitUntilIdle();
+    browser.motion(200, 130, false);
+    const Pixel tip = browser.pixelAt(200, 146);
+    browser.button(GDK_BUTTON_PRESS, 200, 130);
+    EXPECT_TRUE(Browser::waitUntil([&] { return !(browser.pixelAt(200, 146) == tip); })) << "lifted";
+    for (int x = 210; x <= 260; x += 10)
+        browser.motion(x, 130, true);
+    browser.button(GDK_BUTTON_RELEASE, 260, 130);
+    // 40 degrees are 400 points.
+    EXPECT_TRUE(Browser::waitUntil([&] { return heard() == "north 0.00 6.00"; }));
+    EXPECT_EQ(browser.run("return map.region.longitude.toFixed(2)"), "0.00") << "the map stays";
+}
+
+TEST_F(AnnotationInput, AMouseDragThatBeginsOnAPinMovesTheMap) {
+    browser.motion(200, 130, false);
+    browser.button(GDK_BUTTON_PRESS, 200, 130);
+    for (int x = 190; x >= 100; x -= 10)
+        browser.motion(x, 130, true);
+    browser.button(GDK_BUTTON_RELEASE, 100, 130);
+    browser.waitUntilIdle();
+    EXPECT_GT(std::stod(browser.run("return map.region.longitude")), 5);
+    EXPECT_EQ(heard(), "");
+}
+
+TEST_F(AnnotationInput, ALongPressOfAFingerDropsAPinThere) {
+    browser.run("map.longPressDropsPin = true; map.droppedPinIdentifier = 'mine';"
+                "map.listener = { mapDidAddViewsForAnnotations(added) { heard.push('added ' + added) },"
+                "  mapAnnotationDidFinishDrag(identifier, at) { "
+                "    heard.push(identifier + ' ' + at.longitude.toFixed(2)) } }; return ''");
+    browser.waitUntilIdle();
+    heard();
+    browser.touch(GDK_TOUCH_BEGIN, 1, 100, 60);
+    EXPECT_TRUE(Browser::waitUntil([&] { return browser.run("return heard.length") == "2"; })) << "before it is lifted";
+    browser.touch(GDK_TOUCH_END, 1, 100, 60);
+    EXPECT_EQ(heard(), "added mine,mine -10.00");
+    EXPECT_EQ(browser.run("return map.annotations.sort().join()"), "mine,north,south");
+}
+
+TEST_F(AnnotationInput, APinchWithOneFingerOnAPinZooms) {
+    const double before = std::stod(browser.run("return map.region.longitudeDelta"));
+    browser.touch(GDK_TOUCH_BEGIN, 1, 200, 130);
+    browser.touch(GDK_TOUCH_BEGIN, 2, 120, 130);
+    for (int step = 1; step <= 8; ++step) {
+        browser.touch(GDK_TOUCH_UPDATE, 1, 200 + 5 * step, 130);
+        browser.touch(GDK_TOUCH_UPDATE, 2, 120 - 5 * step, 130);
+    }
+    browser.touch(GDK_TOUCH_END, 1, 240, 130);
+    browser.touch(GDK_TOUCH_END, 2, 80, 130);
+    browser.waitUntilIdle();
+    EXPECT_LT(std::stod(browser.run("return map.region.longitudeDelta")), before * 0.75);
+    EXPECT_EQ(heard(), "");
+}
+
 TEST_F(AnnotationInput, TabGoesThroughTheAnnotationsAndThenOnInThePage) {
     click(40, 280);
     key(GDK_KEY_Tab);

@@ -109,6 +109,8 @@ TEST_F(NSURLConnectionTest, ABodyThatIsCutOffFailsAsALostConnection) {
     const Load done = load(server.url("/cut"));
     EXPECT_EQ(done.reports, (Reports{"response 1000 200", "data", "failed -1005"}));
     EXPECT_EQ(done.data, "only this");
+    server.answer("/closes", {.bytes = "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 10\r\n\r\nonly this"});
+    EXPECT_EQ(load(server.url("/closes")).reports, (Reports{"response 10 200", "data", "failed -1005"}));
 }
 
 TEST_F(NSURLConnectionTest, AServerThatClosesWithoutAnAnswerFailsAsALostConnection) {

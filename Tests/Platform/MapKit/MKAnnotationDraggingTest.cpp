@@ -190,6 +190,72 @@ TEST_F(Dragging, PinchesOnViewsZoomTheMap) {
     EXPECT_TRUE(map->selectedAnnotations().empty());
 }
 
+TEST_F(Dragging, PinchesWithOneFingerOnAViewZoomTheMapAboutTheirMiddle) {
+    for (const bool firstOnView : {true, false}) {
+        showAround();
+        map->removeAnnotations(map->annotations());
+        add("a", {0, 0});
+        settle();
+        takeCalls();
+        const double before = map->region().span.longitudeDelta;
+        const CLLocationCoordinate2D place = map->convertPointToCoordinateFromView({150, 130}, nullptr);
+        const CGPoint first = firstOnView ? CGPoint{200, 130} : CGPoint{100, 130};
+        const CGPoint second = firstOnView ? CGPoint{100, 130} : CGPoint{200, 130};
+        const double outwards = firstOnView ? 1 : -1;
+        touch(1, UITouchPhase::Began, first);
+        touch(2, UITouchPhase::Began, second);
+        for (int step = 1; step <= 10; ++step) {
+            touch(1, UITouchPhase::Moved, {first.x + outwards * 5 * step, 130});
+            touch(2, UITouchPhase::Moved, {second.x - outwards * 5 * step, 130});
+            frame();
+        }
+        now += 1; // no inertia
+        touch(1, UITouchPhase::Ended, {first.x + outwards * 50, 130});
+        touch(2, UITouchPhase::Ended, {second.x - outwards * 50, 130});
+        settle();
+        EXPECT_NEAR(before / map->region().span.longitudeDelta, 2, 0.2) << firstOnView;
+        EXPECT_NEAR(map->convertCoordinateToPointToView(place, nullptr).x, 150, 6) << firstOnView;
+        EXPECT_EQ(calls(), Calls());
+    }
+}
+
+TEST_F(Dragging, OneFingerOfAPinchMayBeLiftedFromAView) {
+    showAround();
+    add("a", {0, 0});
+    settle();
+    touch(1, UITouchPhase::Began, {200, 130});
+    touch(2, UITouchPhase::Began, {100, 130});
+    touch(2, UITouchPhase::Moved, {60, 130});
+    touch(2, UITouchPhase::Moved, {50, 130});
+    touch(1, UITouchPhase::Ended, {200, 130});
+    const double longitude = map->region().center.longitude;
+    for (int x = 50; x <= 150; x += 10) {
+        touch(2, UITouchPhase::Moved, {static_cast<double>(x), 130});
+    }
+    EXPECT_LT(map->region().center.longitude, longitude - 2) << "the finger that is left moves the map";
+    touch(2, UITouchPhase::Ended, {150, 130});
+    settle();
+    EXPECT_TRUE(map->selectedAnnotations().empty());
+}
+
+TEST_F(Dragging, ThatBeginsOnACalloutLeavesTheMapAlone) {
+    showAround();
+    const auto a = add("a", {0, 0});
+    map->selectAnnotationAnimated(a, false);
+    settle();
+    delegate->regionChanges = 0;
+    touch(1, UITouchPhase::Began, {200, 90});
+    touch(2, UITouchPhase::Began, {190, 90});
+    for (int x = 200; x <= 300; x += 10) {
+        touch(1, UITouchPhase::Moved, {static_cast<double>(x), 90});
+    }
+    touch(1, UITouchPhase::Ended, {300, 90});
+    touch(2, UITouchPhase::Ended, {190, 90});
+    settle();
+    EXPECT_EQ(delegate->regionChanges, 0);
+    EXPECT_EQ(map->selectedAnnotations().size(), 1U);
+}
+
 namespace {
 
 class Dropping : public AnnotationTest {

@@ -67,6 +67,62 @@ TEST_F(Annotations, AreReportedBeforeTheNextFrameIsDrawn) {
     EXPECT_EQ(takeCalls(), (Calls{"added a"}));
 }
 
+TEST_F(Annotations, OfABatchThatComesInPartsAreReportedTogether) {
+    showAround();
+    map->setAwaitsMoreAnnotations(true);
+    add("a", {0, 0});
+    runQueue();
+    frame();
+    EXPECT_EQ(takeCalls(), (Calls{"view a"}));
+    EXPECT_FALSE(window->isIdle());
+    map->setAwaitsMoreAnnotations(true);
+    add("b", {0, 1});
+    map->setAwaitsMoreAnnotations(false);
+    runQueue();
+    EXPECT_EQ(takeCalls(), (Calls{"view b", "added a b"}));
+    settle();
+    EXPECT_TRUE(window->isIdle());
+}
+
+TEST_F(Annotations, OfALargeBatchThatComesInPartsAreDrawnWithItsEnd) {
+    showAround();
+    useImages(makeImage(10, 10, 0xffff0000));
+    const auto isDrawn = [&](int x) {
+        frame();
+        return pixelAt(x, 150) == 0xff0000U;
+    };
+    map->setAwaitsMoreAnnotations(true);
+    add("first", {0, -15});
+    EXPECT_TRUE(isDrawn(50));
+    for (int i = 0; i < 150; ++i) {
+        add("a", {-10, i / 100.0});
+    }
+    const auto late = add("late", {0, -10});
+    EXPECT_NE(map->viewForAnnotation(late), nullptr);
+    EXPECT_FALSE(isDrawn(100));
+    map->setAwaitsMoreAnnotations(false);
+    EXPECT_TRUE(isDrawn(100));
+    EXPECT_TRUE(isDrawn(50));
+}
+
+TEST_F(Annotations, OfALargeBatchMayLeaveTheViewBeforeItsEnd) {
+    showAround();
+    map->setAwaitsMoreAnnotations(true);
+    std::vector<std::shared_ptr<TestAnnotation>> batch;
+    for (int i = 0; i < 150; ++i) {
+        batch.push_back(add("a", {0, i / 100.0}));
+    }
+    map->setCenterCoordinate({0, 120});
+    EXPECT_EQ(map->viewForAnnotation(batch.front()), nullptr);
+    EXPECT_EQ(map->viewForAnnotation(batch.back()), nullptr);
+    map->setAwaitsMoreAnnotations(false);
+    takeCalls();
+    settle();
+    EXPECT_EQ(takeCalls(), Calls()) << "what is gone is not reported";
+    map->setCenterCoordinate({0, 0});
+    EXPECT_NE(map->viewForAnnotation(batch.back()), nullptr);
+}
+
 TEST_F(Annotations, ArePositionedBeforeTheyAreReported) {
     showAround();
     CGRect reported;

@@ -84,8 +84,8 @@ TEST(MKAnnotationStore, FindsAcrossTheAntimeridianOnAnyCopyOfTheWorld) {
         auto numbers = store.numbersIn(rect);
         std::sort(numbers.begin(), numbers.end());
         EXPECT_EQ(numbers, (std::vector<uint32_t>{east, west}));
-        EXPECT_TRUE(MKAnnotationStore::isIn(rect, store[east].point));
-        EXPECT_TRUE(MKAnnotationStore::isIn(rect, store[west].point));
+        EXPECT_TRUE(MKAnnotationStore::isIn(rect, store.pointOf(east)));
+        EXPECT_TRUE(MKAnnotationStore::isIn(rect, store.pointOf(west)));
     }
     EXPECT_EQ(store.numbersIn(MKMapRectMake(-3 * MKWorldSide, 0, 4 * MKWorldSide, MKWorldSide)).size(), 3U);
 }

@@ -56,6 +56,7 @@ public:
         return onStep && onStep();
     }
     bool isIdle() const override { return idle; }
+    bool keepsTouches() const override { return keeps; }
     bool handleScroll(const UIScrollEvent& event) override {
         record("scroll");
         scrolls.push_back(convertPointFromWindow(event.location));
@@ -69,7 +70,7 @@ public:
     std::string name;
     std::vector<std::string>* calls = nullptr;
     double red = 0, green = 0, blue = 0;
-    bool opaque = false, idle = true, usesInput = false;
+    bool opaque = false, idle = true, usesInput = false, keeps = false;
     std::vector<PixelRect> clips;
     std::vector<double> stepTimes;
     std::vector<CGPoint> scrolls;

@@ -71,6 +71,25 @@ TEST_F(UIGestureEnvironmentTest, TheClickOfATouchThatAViewKeepsIsItsOwn) {
     }
 }
 
+TEST_F(UIGestureEnvironmentTest, TouchesThatAViewKeepsReachOnlyWhatTakesSuch) {
+    const auto inner = TestView::make({{0, 0}, {200, 300}}), below = TestView::make({{0, 0}, {100, 300}});
+    inner->keeps = true;
+    view->addSubview(inner);
+    inner->addSubview(below);
+    States pinchStates;
+    const auto pinch = add<UIPinchGestureRecognizer>(pinchStates);
+    pinch->setTakesKeptTouches(true);
+    std::vector<UIView*> asked;
+    pinch->setTouchFilter([&](UIView& touched, const UITouchEvent&) { return asked.push_back(&touched), true; });
+    down(1, {50, 100}, 0);  // in what the view keeps
+    down(2, {300, 100}, 0); // beside it
+    move(1, {20, 100}, 0.01);
+    EXPECT_EQ(pinchStates, began);
+    EXPECT_EQ(pan->numberOfTouches(), 1u);
+    EXPECT_EQ(asked, (std::vector<UIView*>{below.get(), view.get()}));
+    EXPECT_EQ(states, States{});
+}
+
 TEST_F(UIGestureEnvironmentTest, UnknownTouchesAreIgnored) {
     move(7, {150, 100}, 0);
     up(7, {150, 100}, 0.01);

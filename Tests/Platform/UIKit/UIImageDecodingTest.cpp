@@ -133,6 +133,29 @@ TEST_F(UIImageDecoding, GivesNothingForAFileThatIsCutOff) {
     EXPECT_EQ(UIImage::imageWithData(std::string_view(png).substr(0, png.size() / 2)), nullptr);
 }
 
+TEST_F(UIImageDecoding, GivesNothingForAnyKindOfFileThatIsCutOffAnywhere) {
+    const std::pair<const char*, std::string> files[] = {
+        {"png", fileOfType("png")},
+        {"jpeg", fileOfType("jpeg")},
+        {"webp", fileOfType("webp")},
+        {"gif", gifOfSize(1, 1)},
+        {"svg", svgOfSize("16", "8")},
+        {"large png", fileOfType("png", 300, 200)},
+        {"large jpeg", fileOfType("jpeg", 300, 200)},
+    };
+    for (const auto& [type, whole] : files) {
+        ASSERT_NE(UIImage::imageWithData(whole), nullptr) << type;
+        for (size_t length = 0; length < whole.size(); ++length)
+            EXPECT_EQ(UIImage::imageWithData(std::string_view(whole).substr(0, length)), nullptr)
+                << type << " of " << whole.size() << " bytes cut off at " << length;
+    }
+}
+
+TEST_F(UIImageDecoding, DoesNotLookAtWhatFollowsAFilesEnd) {
+    for (const char* type : {"png", "jpeg", "webp"})
+        EXPECT_NE(UIImage::imageWithData(fileOfType(type) + std::string(1000, '\0')), nullptr) << type;
+}
+
 TEST_F(UIImageDecoding, UsesNoOtherDecoders) {
     EXPECT_EQ(UIImage::imageWithData(fileOfType("bmp")), nullptr);
     EXPECT_EQ(UIImage::imageWithData("/* XPM */ static char *x[] = {\"1 1 1 1\", \"a c red\", \"a\"};"), nullptr);

@@ -1,5 +1,6 @@
 // Measures the map in a page: first frame, panning and zooming on the screen, idle cost, reads through the bridge,
-// pages that were left. Prints one line a figure. Starts a virtual display for itself.
+// pages that were left. Prints one line a figure. Starts a virtual display for itself. With the argument "conversions"
+// it measures nothing else.
 #include "Benchmarks/Pages/PageHost.h"
 #include "Benchmarks/Pages/PageInput.h"
 #include "Benchmarks/Pages/ScreenFrames.h"
@@ -12,6 +13,7 @@
 #include <iostream>
 #include <signal.h>
 #include <spawn.h>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -117,6 +119,8 @@ void measureGestures(PageHost& host, ScreenFrames& screen) {
 void measureConversions(PageHost& host) {
     const double nanoseconds = std::atof(host.run("return await conversions()").c_str());
     figure("convertCoordinateToPoint, calls a second", 1e3 / nanoseconds, "million");
+    const double ofStrings = std::atof(host.run("return await conversions(9, '48.2')").c_str());
+    figure("the same with a latitude that is a string", 1e3 / ofStrings, "million");
     const auto memory = [&] {
         host.collectGarbage();
         host.wait(1);
@@ -201,10 +205,18 @@ int main(int argc, char** argv) {
     const VirtualDisplay display;
     gtk_init(&argc, &argv);
     ScreenFrames screen(display.folder());
+    const bool wantsConversionsOnly = argc > 1 && std::string_view(argv[1]) == "conversions";
     const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html";
     const std::string world =
         "insert(); map.setRegion({ latitude: 48, longitude: 10, latitudeDelta: 20, longitudeDelta: 20 }, false);"
         "await new Promise(r => setTimeout(r, 1500));";
+    if (wantsConversionsOnly) {
+        PageHost host({VEYRA_EXTENSIONS, false, 1024, 768});
+        host.load(page);
+        host.run(world);
+        measureConversions(host);
+        return 0;
+    }
     for (const bool composited : {false, true}) {
         PageHost host({VEYRA_EXTENSIONS, composited, 1024, 768});
         host.load(page);

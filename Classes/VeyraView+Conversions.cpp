@@ -8,103 +8,134 @@
 #include "Classes/VeyraView.h"
 #include "Classes/WebScriptObject+VeyraExtras.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
+
 namespace veyra {
 
 namespace {
 
-/// The argument of a conversion: its check, which reads every key, and the reads that follow.
-class ConversionArgument {
-public:
-    ConversionArgument(Class cls, id caller, std::vector<NSString> keys, const std::vector<NSString>& readsAfterwards)
-        : _cls(cls), _caller(std::move(caller)), _keys(std::move(keys)), _plan(joined(_keys, readsAfterwards)) {}
-    const ScriptKeyPlan& plan() const { return _plan; }
-    bool validate(const id& argument) const { return VeyraValidateWebScriptObject(argument, _cls, _caller, _keys); }
+constexpr size_t maximumFields = 4;
 
-private:
-    static std::vector<NSString> joined(std::vector<NSString> first, const std::vector<NSString>& second) {
-        first.insert(first.end(), second.begin(), second.end());
-        return first;
-    }
-    const Class _cls;
-    const id _caller;
-    const std::vector<NSString> _keys;
-    const ScriptKeyPlan _plan;
-};
+template <class T>
+using Fields = std::array<double, sizeof(T) / sizeof(double)>;
+
+/// The arithmetic of a conversion between structures of doubles whose members are the attributes, in their order.
+template <class From, class To, To (VeyraView::*Convert)(const From&) const>
+void compute(const NSObject& self, const double* values, double* fields) {
+    static_assert(sizeof(From) <= maximumFields * sizeof(double) && sizeof(To) <= maximumFields * sizeof(double));
+    Fields<From> from;
+    std::copy_n(values, from.size(), from.begin());
+    const To to = (static_cast<const VeyraView&>(self).*Convert)(std::bit_cast<From>(from));
+    std::ranges::copy(std::bit_cast<Fields<To>>(to), fields);
+}
+
+/// Not inlined: g++ 12 loses the narrowing of a pair of numbers when it vectorises the arithmetic around it.
+[[gnu::noinline]] double inSinglePrecision(double number) {
+    return static_cast<double>(static_cast<float>(number));
+}
 
 } // namespace
 
-id VeyraView::regionThatFits(const id& region) {
-    static const auto& checked = *new ConversionArgument(
-        VeyraRegionSO::classObject(), callerName("regionThatFits:"),
-        {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta},
-        {kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta, kOstrelRegionLatitude, kOstrelRegionLongitude});
-    const ScriptReadAhead ahead(region, checked.plan());
-    if (!checked.validate(region))
+const std::vector<WebNumericMethod>& VeyraView::numericMethods() {
+    static const auto* methods = new std::vector<WebNumericMethod>{
+        {"regionThatFits:",
+         VeyraRegionSO::classObject(),
+         VeyraRegionSO::classObject(),
+         {kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta, kOstrelRegionLatitude, kOstrelRegionLongitude},
+         compute<MKCoordinateRegion, MKCoordinateRegion, &VeyraView::fittingRegion>},
+        {"convertCoordinateToPoint:",
+         VeyraLocationCoordinateSO::classObject(),
+         VeyraPointSO::classObject(),
+         {kOstrelCoordinateLatitude, kOstrelCoordinateLongitude},
+         compute<CLLocationCoordinate2D, CGPoint, &VeyraView::pointForCoordinate>},
+        {"convertPointToCoordinate:",
+         VeyraPointSO::classObject(),
+         VeyraLocationCoordinateSO::classObject(),
+         {kOstrelPointX, kOstrelPointY},
+         compute<CGPoint, CLLocationCoordinate2D, &VeyraView::coordinateForPoint>},
+        {"convertRegionToRect:",
+         VeyraRegionSO::classObject(),
+         VeyraRectSO::classObject(),
+         {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta},
+         compute<MKCoordinateRegion, CGRect, &VeyraView::rectForRegion>},
+        {"convertRectToRegion:",
+         VeyraRectSO::classObject(),
+         VeyraRegionSO::classObject(),
+         {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight},
+         compute<CGRect, MKCoordinateRegion, &VeyraView::regionForRect>},
+    };
+    return *methods;
+}
+
+id VeyraView::convert(SEL selector, const id& argument) const {
+    const auto& methods = numericMethods();
+    const WebNumericMethod& method =
+        *std::find_if(methods.begin(), methods.end(), [&](const auto& known) { return known.selector == selector; });
+    const std::vector<NSString> keys = method.argument->scripting().makeValueObject()->attributeKeys();
+    if (!VeyraValidateWebScriptObject(argument, method.argument, callerName(selector), keys))
         return id();
-    MKCoordinateRegion wanted;
-    wanted.span.latitudeDelta = geometryValueForKey(*region.object(), kOstrelRegionLatitudeDelta);
-    wanted.span.longitudeDelta = geometryValueForKey(*region.object(), kOstrelRegionLongitudeDelta);
-    wanted.center.latitude = geometryValueForKey(*region.object(), kOstrelRegionLatitude);
-    wanted.center.longitude = geometryValueForKey(*region.object(), kOstrelRegionLongitude);
-    const NSLockGuard guard(_lock);
-    return id(VeyraRegionSO::withRegion(
-        MKMapView::regionThatFitsMapTypeViewSizeRegion(static_cast<MKMapType>(_mapType), _boundsSize, wanted)));
+    std::array<double, maximumFields> values{}, fields{};
+    for (const NSString& key : method.reads) {
+        const auto index = static_cast<size_t>(std::find(keys.begin(), keys.end(), key) - keys.begin());
+        values[index] = geometryValueForKey(*argument.object(), key);
+    }
+    method.compute(*this, values.data(), fields.data());
+    const auto result = method.result->scripting().makeValueObject();
+    const double* field = fields.data();
+    for (const NSString& key : result->attributeKeys())
+        result->setValueForKey(id(*field++), key);
+    return id(result);
+}
+
+id VeyraView::regionThatFits(const id& region) {
+    return convert("regionThatFits:", region);
 }
 
 id VeyraView::convertCoordinateToPoint(const id& coordinate) {
-    static const auto& checked =
-        *new ConversionArgument(VeyraLocationCoordinateSO::classObject(), callerName("convertCoordinateToPoint:"),
-                                {kOstrelCoordinateLatitude, kOstrelCoordinateLongitude},
-                                {kOstrelCoordinateLatitude, kOstrelCoordinateLongitude});
-    const ScriptReadAhead ahead(coordinate, checked.plan());
-    if (!checked.validate(coordinate))
-        return id();
-    CLLocationCoordinate2D place;
-    place.latitude = geometryValueForKey(*coordinate.object(), kOstrelCoordinateLatitude);
-    place.longitude = geometryValueForKey(*coordinate.object(), kOstrelCoordinateLongitude);
-    const MKMapPoint p = MKMapPointForCoordinate(place);
-    auto point = std::make_shared<VeyraPointSO>();
-    const NSLockGuard guard(_lock);
-    point->setX(_boundsSize.width * (p.x - _visibleMapRect.origin.x) / _visibleMapRect.size.width);
-    point->setY(_boundsSize.height * (p.y - _visibleMapRect.origin.y) / _visibleMapRect.size.height);
-    return id(std::move(point));
+    return convert("convertCoordinateToPoint:", coordinate);
 }
 
 id VeyraView::convertPointToCoordinate(const id& point) {
-    static const auto& checked =
-        *new ConversionArgument(VeyraPointSO::classObject(), callerName("convertPointToCoordinate:"),
-                                {kOstrelPointX, kOstrelPointY}, {kOstrelPointX, kOstrelPointY});
-    const ScriptReadAhead ahead(point, checked.plan());
-    if (!checked.validate(point))
-        return id();
-    // Points are taken in single precision. Each is narrowed where it is read: g++ 12 loses the narrowing of a pair of
-    // numbers when it vectorises the arithmetic around it.
-    const double x = static_cast<double>(geometryFloatForKey(*point.object(), kOstrelPointX));
-    const double y = static_cast<double>(geometryFloatForKey(*point.object(), kOstrelPointY));
+    return convert("convertPointToCoordinate:", point);
+}
+
+id VeyraView::convertRegionToRect(const id& region) {
+    return convert("convertRegionToRect:", region);
+}
+
+id VeyraView::convertRectToRegion(const id& rect) {
+    return convert("convertRectToRegion:", rect);
+}
+
+MKCoordinateRegion VeyraView::fittingRegion(const MKCoordinateRegion& region) const {
+    const NSLockGuard guard(_lock);
+    return MKMapView::regionThatFitsMapTypeViewSizeRegion(static_cast<MKMapType>(_mapType), _boundsSize, region);
+}
+
+CGPoint VeyraView::pointForCoordinate(const CLLocationCoordinate2D& coordinate) const {
+    const MKMapPoint p = MKMapPointForCoordinate(coordinate);
+    const NSLockGuard guard(_lock);
+    return {_boundsSize.width * (p.x - _visibleMapRect.origin.x) / _visibleMapRect.size.width,
+            _boundsSize.height * (p.y - _visibleMapRect.origin.y) / _visibleMapRect.size.height};
+}
+
+// Points are taken in single precision.
+CLLocationCoordinate2D VeyraView::coordinateForPoint(const CGPoint& point) const {
+    const double x = inSinglePrecision(point.x), y = inSinglePrecision(point.y);
     MKMapPoint p;
     {
         const NSLockGuard guard(_lock);
         p.x = _visibleMapRect.origin.x + x / _boundsSize.width * _visibleMapRect.size.width;
         p.y = _visibleMapRect.origin.y + y / _boundsSize.height * _visibleMapRect.size.height;
     }
-    return id(VeyraLocationCoordinateSO::withCoordinate(MKCoordinateForMapPoint(p)));
+    return MKCoordinateForMapPoint(p);
 }
 
-id VeyraView::convertRegionToRect(const id& region) {
-    static const auto& checked = *new ConversionArgument(
-        VeyraRegionSO::classObject(), callerName("convertRegionToRect:"),
-        {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta},
-        {kOstrelRegionLatitude, kOstrelRegionLongitude, kOstrelRegionLatitudeDelta, kOstrelRegionLongitudeDelta});
-    const ScriptReadAhead ahead(region, checked.plan());
-    if (!checked.validate(region))
-        return id();
-    MKCoordinateRegion wanted;
-    wanted.center.latitude = geometryValueForKey(*region.object(), kOstrelRegionLatitude);
-    wanted.center.longitude = geometryValueForKey(*region.object(), kOstrelRegionLongitude);
-    wanted.span.latitudeDelta = geometryValueForKey(*region.object(), kOstrelRegionLatitudeDelta);
-    wanted.span.longitudeDelta = geometryValueForKey(*region.object(), kOstrelRegionLongitudeDelta);
+CGRect VeyraView::rectForRegion(const MKCoordinateRegion& region) const {
     CLLocationCoordinate2D northWest, southEast;
-    MKCoordinatesForRegion(wanted, &northWest, &southEast);
+    MKCoordinatesForRegion(region, &northWest, &southEast);
     const MKMapPoint p1 = MKMapPointForCoordinate(northWest), p2 = MKMapPointForCoordinate(southEast);
     double x1, y1, x2, y2;
     {
@@ -115,26 +146,13 @@ id VeyraView::convertRegionToRect(const id& region) {
         x2 = _boundsSize.width * (p2.x - visible.origin.x) / visible.size.width;
         y2 = _boundsSize.height * (p2.y - visible.origin.y) / visible.size.height;
     }
-    auto rect = std::make_shared<VeyraRectSO>();
-    rect->setX(x1);
-    rect->setY(y1);
-    rect->setWidth(x2 - x1);
-    rect->setHeight(y2 - y2); // pages rely on a height of 0 (NaN for a southern edge that is not finite)
-    return id(std::move(rect));
+    // Pages rely on a height of 0 (NaN for a southern edge that is not finite).
+    return {{x1, y1}, {x2 - x1, y2 - y2}};
 }
 
-id VeyraView::convertRectToRegion(const id& rect) {
-    static const auto& checked =
-        *new ConversionArgument(VeyraRectSO::classObject(), callerName("convertRectToRegion:"),
-                                {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight},
-                                {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight});
-    const ScriptReadAhead ahead(rect, checked.plan());
-    if (!checked.validate(rect))
-        return id();
-    const double x = geometryValueForKey(*rect.object(), kOstrelRectX);
-    const double y = geometryValueForKey(*rect.object(), kOstrelRectY);
-    const double width = geometryValueForKey(*rect.object(), kOstrelRectWidth);
-    const double height = geometryValueForKey(*rect.object(), kOstrelRectHeight);
+MKCoordinateRegion VeyraView::regionForRect(const CGRect& rect) const {
+    const auto& [x, y] = rect.origin;
+    const auto& [width, height] = rect.size;
     MKMapRect area;
     {
         const NSLockGuard guard(_lock);
@@ -145,7 +163,7 @@ id VeyraView::convertRectToRegion(const id& rect) {
         const double y2 = visible.origin.y + visible.size.height * ((y + height) / _boundsSize.height);
         area = {{x1, y1}, {x2 - x1, y2 - y1}};
     }
-    return id(VeyraRegionSO::withRegion(MKCoordinateRegionForMapRect(area)));
+    return MKCoordinateRegionForMapRect(area);
 }
 
 } // namespace veyra

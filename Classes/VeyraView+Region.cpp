@@ -20,14 +20,29 @@ MKCoordinateRegion VeyraView::coordinateRegion() const {
     return _region;
 }
 
+void VeyraView::setCoordinateRegion(const MKCoordinateRegion& region) {
+    const NSLockGuard guard(_lock);
+    _region = region;
+}
+
 MKMapRect VeyraView::visibleMapRect() const {
     const NSLockGuard guard(_lock);
     return _visibleMapRect;
 }
 
+void VeyraView::setVisibleMapRect(const MKMapRect& rect) {
+    const NSLockGuard guard(_lock);
+    _visibleMapRect = rect;
+}
+
 CGSize VeyraView::boundsSize() const {
     const NSLockGuard guard(_lock);
     return _boundsSize;
+}
+
+void VeyraView::setBoundsSize(CGSize size) {
+    const NSLockGuard guard(_lock);
+    _boundsSize = size;
 }
 
 void VeyraView::setRegion(const id& region) {

@@ -71,8 +71,11 @@ Class VeyraView::classObject() {
                             bindMethod<&VeyraView::denyOnlyThisRequest>("denyOnlyThisRequest"),
                             bindMethod<&VeyraView::shouldClearCache>("shouldClearCache"),
                         },
-                        WebScripting{webScriptNameForKey, isKeyExcludedFromWebScript, webScriptNameForSelector,
-                                     isSelectorExcludedFromWebScript});
+                        WebScripting{.webScriptNameForKey = webScriptNameForKey,
+                                     .isKeyExcludedFromWebScript = isKeyExcludedFromWebScript,
+                                     .webScriptNameForSelector = webScriptNameForSelector,
+                                     .isSelectorExcludedFromWebScript = isSelectorExcludedFromWebScript,
+                                     .numericMethods = numericMethods});
     return cls;
 }
 

@@ -114,12 +114,18 @@ public:
     void setCenterCoordinate(const id& coordinate);
     void setCenterCoordinateAnimated(const id& coordinate, bool animated);
 
-    /// For native callers; each read and write is whole.
+    /// For native callers: the geometry that reads and conversions answer from. Each read and write is whole.
     MKCoordinateRegion coordinateRegion() const;
+    void setCoordinateRegion(const MKCoordinateRegion& region);
     MKMapRect visibleMapRect() const;
+    void setVisibleMapRect(const MKMapRect& rect);
     CGSize boundsSize() const;
+    void setBoundsSize(CGSize size);
 
     // Conversions between the map and the screen, from the cached geometry; nil for a refused argument. Web thread.
+
+    /// The five, for calls that come down to numbers.
+    static const std::vector<WebNumericMethod>& numericMethods();
 
     id regionThatFits(const id& region);
     id convertCoordinateToPoint(const id& coordinate);
@@ -233,6 +239,14 @@ private:
     void setCenterFrom(const id& coordinate, SEL selector,
                        const std::function<void(MKMapView&, CLLocationCoordinate2D)>&);
     void updateLongPressGestureRecognizer(bool drops);
+
+    // Conversions: VeyraView+Conversions.cpp
+    id convert(SEL selector, const id& argument) const;
+    MKCoordinateRegion fittingRegion(const MKCoordinateRegion& region) const;
+    CGPoint pointForCoordinate(const CLLocationCoordinate2D& coordinate) const;
+    CLLocationCoordinate2D coordinateForPoint(const CGPoint& point) const;
+    CGRect rectForRegion(const MKCoordinateRegion& region) const;
+    MKCoordinateRegion regionForRect(const CGRect& rect) const;
 
     // Annotations: VeyraView+Annotations.cpp, +AnnotationViews.cpp and +AnnotationImages.cpp. Main queue.
     using Records = std::vector<std::shared_ptr<VeyraAnnotationSO>>;

@@ -42,11 +42,6 @@ double geometryValueForKey(NSObject& object, const NSString& key) {
     return value.isNumber() || value.isString() ? value.doubleValue() : 0;
 }
 
-float geometryFloatForKey(NSObject& object, const NSString& key) {
-    const id value = object.valueForKey(key);
-    return value.isNumber() || value.isString() ? value.floatValue() : 0;
-}
-
 namespace {
 
 /// How far an array says that it reaches. Script arrays end at 2^32 - 1 elements; indexes are 32 bits wide.

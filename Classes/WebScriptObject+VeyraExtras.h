@@ -15,8 +15,6 @@ bool VeyraValidateWebScriptObject(const id& object, Class primaryClass, const id
 
 /// The number under a key of one of the four geometry values: read leniently, a value without a conversion counts as 0.
 double geometryValueForKey(NSObject& object, const NSString& key);
-/// The same in single precision.
-float geometryFloatForKey(NSObject& object, const NSString& key);
 
 /// Calls `visit` with each element of a script array that has passed validation, in order, as far as its "length" says;
 /// a length that is no number counts as 0. A false, huge length costs what a script loop would, in constant memory; the

@@ -37,6 +37,8 @@ void measureGestures(PageHost& host, ScreenFrames& screen) {
 void measureConversions(PageHost& host) {
     const double nanoseconds = std::atof(host.run("return await conversions()").c_str());
     printFigure("convertCoordinateToPoint, calls a second", 1e3 / nanoseconds, "million");
+    const double ofStrings = std::atof(host.run("return await conversions(9, '48.2')").c_str());
+    printFigure("the same with a latitude that is a string", 1e3 / ofStrings, "million");
     const auto memory = [&] {
         host.collectGarbage();
         host.wait(1);
@@ -111,15 +113,22 @@ int main(int argc, char** argv) {
     const VirtualDisplay display;
     gtk_init(&argc, &argv);
     ScreenFrames screen(display.folder());
-    if (argc == 3 && std::string(argv[1]) == "--side-by-side") {
+    const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html", what = argc > 1 ? argv[1] : "";
+    if (what == "--side-by-side" && argc == 3) {
         measureSideBySide(screen, argv[2]);
         return 0;
     }
-    if (argc > 1) {
-        std::cerr << "usage: bench-pages [--side-by-side FOLDER-OF-NODE-MODULES]\n";
+    if (what == "--conversions") {
+        PageHost host({VEYRA_EXTENSIONS});
+        host.load(page);
+        host.run("await library.start()");
+        measureConversions(host);
+        return 0;
+    }
+    if (!what.empty()) {
+        std::cerr << "usage: bench-pages [--conversions | --side-by-side FOLDER-OF-NODE-MODULES]\n";
         return 2;
     }
-    const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html";
     for (const bool composited : {false, true}) {
         PageHost host({VEYRA_EXTENSIONS, composited});
         host.load(page);

@@ -76,8 +76,8 @@ async function timed(add) {
 }
 
 // Nanoseconds a conversion of a coordinate to a point, the middle of several rounds of 200,000.
-async function conversions(rounds = 9) {
-    const place = { latitude: 48.2, longitude: 16.4 };
+async function conversions(rounds = 9, latitude = 48.2) {
+    const place = { latitude, longitude: 16.4 };
     const times = [];
     for (let round = 0; round < rounds; ++round) {
         const start = performance.now();

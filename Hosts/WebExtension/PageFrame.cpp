@@ -70,17 +70,20 @@ void PageFrame::windowObjectCleared(WebKitWebPage* page, WebKitFrame* frame) {
     }
     const std::shared_ptr<PageFrame> made(new PageFrame(page, frame));
     allFrames().push_back(made);
-    made->installSurfaces();
-    made->installNames();
+    // It fails where a script that has used up its stack makes a frame: that one has no maps.
+    if (!made->installSurfaces() || !made->installNames())
+        made->close();
 }
 
-void PageFrame::installSurfaces() {
+bool PageFrame::installSurfaces() {
     JSObjectRef global = JSContextGetGlobalObject(_isolatedContext);
     JSObjectRef host = makeSurfaceHost(_isolatedContext, shared_from_this());
     JSObjectRef input = evaluateScript(_isolatedContext, scriptSurfaceInput, "SurfaceInput.js");
     JSObjectRef surface = evaluateScript(_isolatedContext, scriptSurface, "Surface.js");
     const JSValueRef attach = callFunction(_isolatedContext, input, {host});
-    const JSValueRef surfaces = callFunction(_isolatedContext, surface, {host, attach});
+    const JSValueRef surfaces = attach ? callFunction(_isolatedContext, surface, {host, attach}) : nullptr;
+    if (!surfaces)
+        return false;
     _surfaces = JSValueToObject(_isolatedContext, surfaces, nullptr);
     setProperty(_isolatedContext, global, "veyraSurfaces", _surfaces);
     // An earlier page may have had a context at this address.
@@ -89,17 +92,20 @@ void PageFrame::installSurfaces() {
     _scriptContext = ScriptContext::of(_pageContext, global);
     _webFrame = std::make_shared<WebFrame>(
         _scriptContext, std::make_shared<WebView>(std::make_shared<PageUIDelegate>(weak_from_this())));
+    return true;
 }
 
-void PageFrame::installNames() {
+bool PageFrame::installNames() {
     JSStringRef name = JSStringCreateWithUTF8CString("disconnected");
     JSObjectRef disconnected = JSObjectMakeFunctionWithCallback(_pageContext, name, surfaceDisconnected);
     JSStringRelease(name);
-    callFunction(_pageContext, evaluateScript(_pageContext, scriptSurfaceElement, "SurfaceElement.js"), {disconnected});
-
+    JSObjectRef element = evaluateScript(_pageContext, scriptSurfaceElement, "SurfaceElement.js");
+    if (!callFunction(_pageContext, element, {disconnected}))
+        return false;
     JSObjectRef constructor = objectProperty(_pageContext, JSContextGetGlobalObject(_pageContext), "HTMLObjectElement");
     exposeClass(*_scriptContext, objectProperty(_pageContext, constructor, "prototype"), VeyraView::classObject(),
                 VeyraView::scriptingKeys(), resolve);
+    return true;
 }
 
 std::shared_ptr<PageFrame> PageFrame::ofContext(JSContextRef context) {
@@ -198,7 +204,8 @@ void PageFrame::close() {
     for (const auto& map : std::exchange(_maps, {}))
         map->stop();
     _webFrame = nullptr;
-    _scriptContext->invalidate();
+    if (_scriptContext)
+        _scriptContext->invalidate();
     answerWaitingMessages();
 }
 

@@ -43,8 +43,9 @@ private:
     static JSValueRef surfaceDisconnected(JSContextRef context, JSObjectRef function, JSObjectRef surface, size_t count,
                                           const JSValueRef arguments[], JSValueRef* exception);
     static void frameFinalized(gpointer self, GObject* frame);
-    void installSurfaces();
-    void installNames();
+    /// False when the engine could not run our scripts.
+    bool installSurfaces();
+    bool installNames();
     static std::shared_ptr<PageFrame> ofContext(JSContextRef context);
     /// The page's node as the isolated world knows it; null when it is none, or when the frame has another document.
     JSObjectRef isolatedNode(JSObjectRef node) const;

@@ -36,6 +36,8 @@ JSObjectRef evaluateScript(JSContextRef context, const char* source, const char*
 }
 
 JSValueRef callFunction(JSContextRef context, JSObjectRef function, std::initializer_list<JSValueRef> arguments) {
+    if (!function)
+        return nullptr;
     JSValueRef exception = nullptr;
     const JSValueRef result =
         JSObjectCallAsFunction(context, function, nullptr, arguments.size(), arguments.begin(), &exception);
@@ -47,6 +49,8 @@ JSValueRef callFunction(JSContextRef context, JSObjectRef function, std::initial
 JSValueRef callMethod(JSContextRef context, JSObjectRef object, const char* name,
                       std::initializer_list<JSValueRef> arguments) {
     JSObjectRef function = objectProperty(context, object, name);
+    if (!function)
+        return nullptr;
     JSValueRef exception = nullptr;
     const JSValueRef result =
         JSObjectCallAsFunction(context, function, object, arguments.size(), arguments.begin(), &exception);

@@ -1,5 +1,6 @@
 // Short forms for what this host does with the script engine's C interface. Web thread only. An exception that one of
-// our own scripts throws is a fault of ours: it is logged, and the result is null.
+// our own scripts throws is a fault of ours, or of a page that has left it no stack: it is logged, and the result is
+// null. Calling a null function gives null.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>

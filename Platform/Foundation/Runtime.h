@@ -38,6 +38,22 @@ struct Method {
     IMP implementation;
 };
 
+class ClassObject;
+
+/// A method that takes an object with numbers and gives a new value object: its arithmetic alone, which calls with
+/// nothing but numbers come down to. What the method does with any other argument is its own affair.
+struct WebNumericMethod {
+    SEL selector;
+    /// Classes of value objects. The method looks for the attributes of the first in their order when its argument is
+    /// none of them.
+    ClassObject* argument;
+    ClassObject* result;
+    /// The same attributes in the order in which the method reads their values.
+    std::vector<NSString> reads;
+    /// From the attributes of an argument to those of the result, each in its class's order. Runs no script.
+    void (*compute)(const NSObject& self, const double* values, double* fields);
+};
+
 /// What a class lets scripts see. A class that has none of these functions shows nothing.
 struct WebScripting {
     /// The script name of a key; nothing: the key keeps its own name.
@@ -47,6 +63,8 @@ struct WebScripting {
     bool (*isSelectorExcludedFromWebScript)(SEL selector) = nullptr;
     /// For classes of value objects, whose attributes are numbers: a new object of the class.
     std::shared_ptr<NSObject> (*makeValueObject)() = nullptr;
+    /// Those of the class's methods that are numeric; made once.
+    const std::vector<WebNumericMethod>& (*numericMethods)() = nullptr;
 };
 
 class ClassObject {

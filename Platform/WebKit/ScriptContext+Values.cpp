@@ -5,6 +5,7 @@
 #include "Platform/WebKit/WebScriptObject.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace veyra {
@@ -39,27 +40,33 @@ struct ScriptContext::ValueClass {
             JSStringRelease(attribute.scriptName);
     }
     Class cls = nullptr;
-    JSObjectRef prototype = nullptr; // kept
-    ScriptHelpers::Helper maker;
+    ScriptHelpers::Maker maker;
     std::vector<Attribute> attributes;
 };
 
 ScriptContext::~ScriptContext() = default;
 
 void ScriptContext::defineHidden(JSObjectRef object, JSValueRef key, JSValueRef value) {
-    JSObjectRef descriptor = JSObjectMake(_context, nullptr, nullptr);
+    JSObjectRef descriptor = makeBareObject(_context);
     JSStringRef name = JSStringCreateWithUTF8CString("value");
     JSObjectSetProperty(_context, descriptor, name, value, kJSPropertyAttributeNone, nullptr);
     JSStringRelease(name);
     const JSValueRef arguments[] = {object, key, descriptor};
-    JSObjectCallAsFunction(_context, _defineProperty, nullptr, 3, arguments, nullptr);
+    if (!JSObjectCallAsFunction(_context, _defineProperty, nullptr, 3, arguments, nullptr))
+        throw NSException(NSInternalInconsistencyException, "The page has no stack left");
 }
 
-const ScriptContext::ValueClass& ScriptContext::valueClassOf(const NSObject& object) {
+const ScriptHelpers::Maker& ScriptContext::makerOf(Class cls) {
     for (const auto& known : _valueClasses)
-        if (known->cls == object.isa())
+        if (known->cls == cls)
+            return known->maker;
+    return valueClassOf(cls, *cls->scripting().makeValueObject()).maker;
+}
+
+const ScriptContext::ValueClass& ScriptContext::valueClassOf(Class cls, const NSObject& object) {
+    for (const auto& known : _valueClasses)
+        if (known->cls == cls)
             return *known;
-    const Class cls = object.isa();
     const WebScripting& scripting = cls->scripting();
     auto made = std::make_shared<ValueClass>();
     made->cls = cls;
@@ -72,15 +79,14 @@ const ScriptContext::ValueClass& ScriptContext::valueClassOf(const NSObject& obj
         names.push_back(renamed.value_or(key));
         made->attributes.push_back({key, SEL(name.c_str()), makeString(names.back())});
     }
-    made->prototype = JSObjectMake(_context, nullptr, nullptr);
-    keep(made->prototype);
+    made->maker = _helpers.makeMaker(names, cls);
+    JSObjectRef prototype = made->maker.prototype;
     JSStringRef toStringName = JSStringCreateWithUTF8CString("toString");
-    defineHidden(made->prototype, JSValueMakeString(_context, toStringName),
+    defineHidden(prototype, JSValueMakeString(_context, toStringName),
                  JSObjectMakeFunctionWithCallback(_context, toStringName, describe));
     JSStringRelease(toStringName);
     if (_toStringTag)
-        defineHidden(made->prototype, _toStringTag, toScript(id(NSString(std::string_view(cls->name())))));
-    made->maker = _helpers.makeMaker(names, made->prototype);
+        defineHidden(prototype, _toStringTag, toScript(id(NSString(std::string_view(cls->name())))));
     _valueClasses.push_back(std::move(made));
     return *_valueClasses.back();
 }
@@ -111,16 +117,7 @@ void ScriptContext::visitElement(JSValueRef element, ScriptValuesAhead& ahead,
         const size_t firstArgument, firstWrapper;
     } const settling{*this, _arguments.size(), _recentWrappers.size()};
     const id native = argumentToNative(element);
-    const auto script = native.as<WebScriptObject>();
-    if (!script) {
-        visit(native);
-        return;
-    }
-    struct Reading {
-        ~Reading() { object._readAhead = former; }
-        WebScriptObject& object;
-        ScriptValuesAhead* const former;
-    } const reading{*script, std::exchange(script->_readAhead, &ahead)};
+    const AnsweringAhead answering(native.as<WebScriptObject>(), ahead);
     visit(native);
 }
 
@@ -185,12 +182,12 @@ void ScriptContext::refresh(NSObject& object, JSObjectRef script, const ValueCla
     for (const auto& attribute : cls.attributes) {
         JSValueRef exception = nullptr;
         const JSValueRef value = JSObjectGetProperty(_context, script, attribute.scriptName, &exception);
-        if (exception) {
+        if (exception)
             reportException(exception);
-            continue;
-        }
         if (!isUsable())
             return;
+        if (exception)
+            continue;
         const id number = toNative(value);
         object.setValueForKey(number.isNumber() || number.isString() ? number : id(0.0), attribute.key);
     }
@@ -199,7 +196,7 @@ void ScriptContext::refresh(NSObject& object, JSObjectRef script, const ValueCla
 std::shared_ptr<NSObject> ScriptContext::unwrap(JSObjectRef object) {
     const JSValueRef prototype = JSObjectGetPrototype(_context, object);
     const auto cls = std::find_if(_valueClasses.begin(), _valueClasses.end(),
-                                  [&](const auto& known) { return known->prototype == prototype; });
+                                  [&](const auto& known) { return known->maker.prototype == prototype; });
     if (cls == _valueClasses.end())
         return nullptr;
     const ValueClass& known = **cls;
@@ -227,7 +224,7 @@ JSValueRef ScriptContext::wrap(const std::shared_ptr<NSObject>& object) {
         for (const Wrapper& wrapper : *wrappers)
             if (wrapper.object == object)
                 return wrapper.script;
-    const ValueClass& cls = valueClassOf(*object);
+    const ValueClass& cls = valueClassOf(object->isa(), *object);
     double* number = cls.maker.numbers;
     for (const auto& attribute : cls.attributes)
         *number++ = object->performSelector(attribute.getter).doubleValue();
@@ -238,6 +235,18 @@ JSValueRef ScriptContext::wrap(const std::shared_ptr<NSObject>& object) {
     if (_callDepth > 0)
         _recentWrappers.push_back({object, const_cast<JSObjectRef>(made), 0});
     return made;
+}
+
+// The elements are there before they are set: setting one that is not would call a setter that the page has put on a
+// prototype.
+JSObjectRef ScriptContext::makeArray(const NSArray& elements) {
+    const std::vector<JSValueRef> nothing(elements.size(), JSValueMakeUndefined(_context));
+    JSObjectRef array = JSObjectMakeArray(_context, nothing.size(), nothing.data(), nullptr);
+    if (!array)
+        throw std::bad_alloc();
+    for (size_t i = 0; i < elements.size(); ++i)
+        JSObjectSetPropertyAtIndex(_context, array, static_cast<unsigned>(i), toScript(elements[i]), nullptr);
+    return array;
 }
 
 JSValueRef ScriptContext::toScript(const id& value) {
@@ -255,12 +264,8 @@ JSValueRef ScriptContext::toScript(const id& value) {
         JSStringRelease(text);
         return result;
     }
-    if (const NSArray* elements = value.array()) {
-        JSObjectRef array = JSObjectMakeArray(_context, 0, nullptr, nullptr);
-        for (size_t i = 0; i < elements->size(); ++i)
-            JSObjectSetPropertyAtIndex(_context, array, static_cast<unsigned>(i), toScript((*elements)[i]), nullptr);
-        return array;
-    }
+    if (const NSArray* elements = value.array())
+        return makeArray(*elements);
     if (const auto script = value.as<WebScriptObject>()) {
         JSObjectRef object = script->scriptObject();
         return object ? static_cast<JSValueRef>(object) : JSValueMakeNull(_context);

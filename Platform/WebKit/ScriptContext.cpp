@@ -88,7 +88,10 @@ ScriptContext::ScriptContext(JSGlobalContextRef context, JSObjectRef keeper) : _
         JSValueProtect(context, _holder);
         _holderProtected = true;
     }
+    // Without prototypes: no setter of the page may get in the way of what has to be kept.
+    JSObjectSetPrototype(context, _holder, JSValueMakeNull(context));
     _slots = JSObjectMakeArray(context, 0, nullptr, nullptr);
+    JSObjectSetPrototype(context, _slots, JSValueMakeNull(context));
     setHiddenProperty(context, _holder, "slots", _slots);
 
     JSObjectRef global = JSContextGetGlobalObject(context);
@@ -127,7 +130,7 @@ void ScriptContext::invalidate() {
         return;
     const auto self = shared_from_this();
     _alive = false;
-    _helpers.stopReads();
+    _helpers.setStopped(true);
     if (lastFound == this)
         lastFound = nullptr;
     const auto found = registry().find(_context);
@@ -150,9 +153,8 @@ void ScriptContext::onDeath(std::function<void()> handler) {
 
 void ScriptContext::setSuspended(bool suspended) {
     _suspended = suspended;
-    if (suspended)
-        _helpers.stopReads();
-    else
+    _helpers.setStopped(!isUsable());
+    if (!suspended)
         reclaimSlots();
 }
 
@@ -249,6 +251,12 @@ void ScriptContext::reportException(JSValueRef exception) {
         return;
     if (_consoleError)
         JSObjectCallAsFunction(_context, _consoleError, _console, 1, &exception, nullptr);
+}
+
+JSObjectRef ScriptContext::makeBareObject(JSContextRef script) {
+    JSObjectRef object = JSObjectMake(script, nullptr, nullptr);
+    JSObjectSetPrototype(script, object, JSValueMakeNull(script));
+    return object;
 }
 
 JSValueRef ScriptContext::makeError(JSContextRef script, const NSString& message) {

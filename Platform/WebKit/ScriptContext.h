@@ -62,6 +62,8 @@ public:
 
     /// Writes an exception to the page's console as an error.
     void reportException(JSValueRef exception);
+    /// An object without a prototype: setting a property of it never runs what a page has put on Object.prototype.
+    static JSObjectRef makeBareObject(JSContextRef script);
     /// An Error of the script's page with that message.
     static JSValueRef makeError(JSContextRef script, const NSString& message);
 
@@ -71,6 +73,8 @@ public:
     void releaseSlot(unsigned slot);
     /// `Object.defineProperty` as the page found it.
     JSObjectRef definePropertyFunction() const { return _defineProperty; }
+    /// Makes the value objects of a class. The context is alive.
+    const ScriptHelpers::Maker& makerOf(Class cls);
     /// Shortcuts through compiled script. The context is alive.
     ScriptHelpers& helpers() { return _helpers; }
     /// The function that a source text (a constant of the program) stands for, compiled in the page at the first call
@@ -94,10 +98,11 @@ private:
     std::shared_ptr<WebScriptObject> scriptObject(JSObjectRef object, bool isArgument);
     std::shared_ptr<NSObject> unwrap(JSObjectRef object);
     JSValueRef wrap(const std::shared_ptr<NSObject>& object);
+    JSObjectRef makeArray(const NSArray& elements);
     struct ValueClass;
     /// Defines a property that is not enumerable.
     void defineHidden(JSObjectRef object, JSValueRef key, JSValueRef value);
-    const ValueClass& valueClassOf(const NSObject& object);
+    const ValueClass& valueClassOf(Class cls, const NSObject& object);
     void refresh(NSObject& object, JSObjectRef script, const ValueClass& cls);
     bool hasToSettle(size_t firstArgument, size_t firstWrapper) const {
         return _arguments.size() > firstArgument || _recentWrappers.size() > firstWrapper || !_keptWrappers.empty();
@@ -112,7 +117,7 @@ private:
     int _callDepth = 0; // calls from and into scripts that are running
     bool _holderProtected = false;
     JSObjectRef _holder = nullptr;         // lives in the keeper, or protected
-    JSObjectRef _slots = nullptr;          // the array of kept values, in the holder
+    JSObjectRef _slots = nullptr;          // kept values by number, in the holder
     JSObjectRef _defineProperty = nullptr; // kept
     JSObjectRef _console = nullptr;        // kept; may be null
     JSObjectRef _consoleError = nullptr;   // kept; may be null

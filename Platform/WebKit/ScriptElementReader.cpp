@@ -57,7 +57,7 @@ std::string conditionFor(ScriptKeyValue expected, const std::string& a) {
 /// The reader's text. It names nothing that a page could have replaced. All keys of an element are read before the
 /// shared arrays are written: a getter may begin another walk.
 std::string readerText(const ScriptKeySequence& sequence) {
-    const std::string hasStopped = "numbers[" + std::to_string(maximumKeys) + "] !== 0";
+    const std::string hasStopped = "stop[0] !== 0";
     std::string variables = "n = 0";
     std::string reads;
     std::string kinds;
@@ -74,7 +74,7 @@ std::string readerText(const ScriptKeySequence& sequence) {
                  "; } else kinds[" + index + "] = " + a + " === undefined ? 0 : " + a + " === null ? 5 : " + a +
                  " === false ? 2 : " + a + " === true ? 3 : 4;\n";
     }
-    return "(function (take, report, kinds, numbers) { 'use strict';\n"
+    return "(function (take, report, kinds, numbers, stop) { 'use strict';\n"
            "return function (array, length) {\n"
            "for (let i = 0; i < length; ++i) {\n"
            "let e, " +
@@ -150,16 +150,17 @@ JSValueRef reportException(JSContextRef script, JSObjectRef, JSObjectRef, size_t
     return JSValueMakeUndefined(script);
 }
 
-ScriptHelpers::ElementReader makeReader(JSContextRef script, const ScriptKeySequence& sequence) {
+ScriptHelpers::ElementReader makeReader(JSContextRef script, const ScriptKeySequence& sequence, JSObjectRef stop) {
     JSObjectRef kinds = JSObjectMakeTypedArray(script, kJSTypedArrayTypeUint8Array, maximumKeys, nullptr);
-    JSObjectRef numbers = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, maximumKeys + 1, nullptr);
+    JSObjectRef numbers = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, maximumKeys, nullptr);
     JSStringRef text = JSStringCreateWithUTF8CString(readerText(sequence).c_str());
     JSObjectRef maker = asObject(script, JSEvaluateScript(script, text, nullptr, nullptr, 1, nullptr));
     JSStringRelease(text);
     if (!kinds || !numbers || !maker)
         return {};
     const JSValueRef arguments[] = {JSObjectMakeFunctionWithCallback(script, nullptr, takeElement),
-                                    JSObjectMakeFunctionWithCallback(script, nullptr, reportException), kinds, numbers};
+                                    JSObjectMakeFunctionWithCallback(script, nullptr, reportException), kinds, numbers,
+                                    stop};
     const JSValueRef function =
         JSObjectCallAsFunction(script, maker, nullptr, std::size(arguments), arguments, nullptr);
     return {asObject(script, function),
@@ -170,13 +171,13 @@ ScriptHelpers::ElementReader makeReader(JSContextRef script, const ScriptKeySequ
 } // namespace
 
 const ScriptHelpers::ElementReader& ScriptHelpers::elementReader(const ScriptKeySequence& sequence) {
-    const auto [entry, isNew] = _elementReaders.try_emplace(&sequence);
-    if (isNew) {
-        entry->second = makeReader(_context.globalContext(), sequence);
-        if (entry->second.function)
-            _context.keep(entry->second.function); // which keeps the arrays
+    ElementReader& reader = _elementReaders[&sequence];
+    if (!reader.function) {
+        reader = makeReader(_context.globalContext(), sequence, stopArray());
+        if (reader.function)
+            _context.keep(reader.function); // which keeps the arrays
     }
-    return entry->second;
+    return reader;
 }
 
 ScriptElementWalk::ScriptElementWalk(ScriptContext& ofPage, const ScriptKeySequence& keys,
@@ -192,13 +193,9 @@ void ScriptElementWalk::run(JSObjectRef array, uint64_t length) {
     const JSContextRef script = context.globalContext();
     if (!reader.function)
         throw std::bad_alloc();
-    double& mustStop = reader.numbers[maximumKeys];
-    mustStop = 0;
-    context.helpers()._runningReads.push_back(&mustStop);
     const JSValueRef arguments[] = {array, JSValueMakeNumber(script, static_cast<double>(length))};
     JSValueRef exception = nullptr;
     JSObjectCallAsFunction(script, reader.function, nullptr, std::size(arguments), arguments, &exception);
-    context.helpers()._runningReads.pop_back();
     if (exception) // the engine's own: its stack is used up
         context.reportException(exception);
 }

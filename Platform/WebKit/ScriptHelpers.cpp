@@ -1,138 +1,147 @@
 #include "Platform/WebKit/ScriptHelpers.h"
 
-#include "Platform/WebKit/WebScriptObject.h"
+#include "Platform/Foundation/NSException.h"
+#include "Platform/WebKit/ScriptContext.h"
 
 #include <algorithm>
-#include <utility>
+#include <new>
 
 namespace veyra {
 
 namespace {
 
-std::string property(const std::string& object, const NSString& name) {
-    return object + "[\"" + name.utf8() + "\"]";
+// A private field tells our value objects from all others, without a page's noticing. The field of an object that is a
+// proxy is not that of its target.
+constexpr const char* valueClassSource = R"((class Value {
+    #kind;
+    constructor(kind) { this.#kind = kind; }
+    static kindOf(object) { return #kind in object ? object.#kind : 0; }
+}))";
+
+/// The number that tells objects of that class.
+double kindNumber(Class cls) {
+    static auto* const kinds = new std::vector<Class>;
+    const auto found = std::find(kinds->begin(), kinds->end(), cls);
+    const auto index = found - kinds->begin();
+    if (found == kinds->end())
+        kinds->push_back(cls);
+    return static_cast<double>(index + 1);
 }
 
-std::string variable(size_t i) {
-    return "v" + std::to_string(i);
+std::string quoted(const NSString& name) {
+    return '"' + name.utf8() + '"';
 }
 
-// The values are complete before any goes into the typed array: reading may run script that uses the same helper. The
-// number behind them says that such a script has ended the page: nothing more is read then.
-std::string readerSource(const std::vector<NSString>& keys) {
-    std::string declarations, body, stores, all;
-    for (size_t i = 0; i < keys.size(); ++i) {
-        declarations += (i ? ", " : "let ") + variable(i);
-        body += "if (typeof (" + variable(i) + " = " + property("o", keys[i]) + ") !== 'number' || numbers[" +
-                std::to_string(keys.size()) + "] !== 0) return [false, " + variable(i) + all + "];\n";
-        stores += "numbers[" + std::to_string(i) + "] = " + variable(i) + ";\n";
-        all += ", " + variable(i);
-    }
-    return "(function (numbers) { 'use strict'; return function (o) { " + declarations + ";\ntry {\n" + body +
-           "} catch (error) { return [true, error" + all + "]; }\n" + stores + "return " + std::to_string(keys.size()) +
-           "; }; })";
-}
-
+// Fields are defined, not assigned: no setter on a prototype is called. The constructor is the page's way to the class.
 std::string makerSource(const std::vector<NSString>& names) {
-    std::string properties = "__proto__: prototype";
+    std::string fields;
     for (size_t i = 0; i < names.size(); ++i)
-        properties += ", \"" + names[i].utf8() + "\": numbers[" + std::to_string(i) + "]";
-    return "(function (numbers, prototype) { return function () { return { " + properties + " }; }; })";
+        fields += quoted(names[i]) + " = numbers[" + std::to_string(i) + "];\n";
+    return "(function (Value, kind, numbers) { 'use strict';\nclass Made extends Value {\n" + fields +
+           "constructor() { super(kind); }\n}\ndelete Made.prototype.constructor;\n"
+           "return () => new Made(); })";
+}
+
+// The text of reading one key into a variable of its own.
+std::string readSource(const NSString& key, size_t count) {
+    return "if (typeof (last = object[" + quoted(key) + "]) !== 'number' || stop[0] !== 0) { end = 1; break read; }\n" +
+           "v" + std::to_string(count) + " = last; n = " + std::to_string(count + 1) + ";\n";
+}
+
+// All values are read before the shared array is written: a getter may call the same function. An object of the
+// method's own kind is not looked over first; what has been read of one is read again where numbers are not enough.
+std::string numericSource(const NSString& name, const WebNumericMethod& method, const std::vector<NSString>& keys) {
+    std::string variables, checks, reads, stores;
+    for (size_t i = 0; i < 2 * keys.size(); ++i)
+        variables += ", v" + std::to_string(i);
+    for (size_t i = 0; i < keys.size(); ++i) {
+        checks += readSource(keys[i], i);
+        reads += readSource(method.reads[i], keys.size() + i);
+        const auto attribute = std::find(keys.begin(), keys.end(), method.reads[i]) - keys.begin();
+        stores += "numbers[" + std::to_string(attribute) + "] = v" + std::to_string(keys.size() + i) + ";\n";
+    }
+    return "(function (compute, proceed, maker, kindOf, own, numbers, stop) { 'use strict';\nlet make;\nreturn { " +
+           quoted(name) + "(object = undefined) {\nlet n = 0, end = 0, kind = 0, last" + variables +
+           ";\nread: if (typeof object === 'object' && object !== null && stop[0] === 0) {\nkind = kindOf(object);\n"
+           "if (kind !== 0 && kind !== own) break read;\ntry {\nif (kind === 0) {\n" +
+           checks + "}\n" + reads + "} catch (error) { end = 2; last = error; break read; }\n" + stores +
+           "if (compute(this) === undefined) {\nif (make === undefined) make = maker();\nreturn make();\n}\n}\nif "
+           "(kind !== 0) n = end = 0;\n"
+           "return proceed(this, object, n, end, last" +
+           variables + ");\n} }[" + quoted(name) + "]; })";
 }
 
 } // namespace
 
-ScriptHelpers::Helper ScriptHelpers::make(const std::string& source, size_t count, JSValueRef prototype) {
-    const JSContextRef context = _context.globalContext();
+JSObjectRef ScriptHelpers::evaluate(const std::string& source) {
+    const JSContextRef script = _context.globalContext();
     JSStringRef text = JSStringCreateWithUTF8CString(source.c_str());
-    JSObjectRef factory =
-        JSValueToObject(context, JSEvaluateScript(context, text, nullptr, nullptr, 0, nullptr), nullptr);
+    const JSValueRef result = JSEvaluateScript(script, text, nullptr, nullptr, 1, nullptr);
     JSStringRelease(text);
-    JSObjectRef array = JSObjectMakeTypedArray(context, kJSTypedArrayTypeFloat64Array, count, nullptr);
-    const JSValueRef arguments[] = {array, prototype};
-    Helper helper;
-    helper.function = JSValueToObject(
-        context, JSObjectCallAsFunction(context, factory, nullptr, prototype ? 2 : 1, arguments, nullptr), nullptr);
-    helper.numbers = static_cast<double*>(JSObjectGetTypedArrayBytesPtr(context, array, nullptr));
-    _context.keep(helper.function); // which keeps the array
-    return helper;
+    return made(result);
 }
 
-const ScriptHelpers::Helper& ScriptHelpers::reader(const ScriptKeyPlan& plan) {
-    const auto found = _readers.find(&plan);
-    if (found != _readers.end())
-        return found->second;
-    return _readers[&plan] = make(readerSource(plan.keys()), plan.keys().size() + 1);
+JSObjectRef ScriptHelpers::call(JSObjectRef function, std::initializer_list<JSValueRef> arguments) {
+    return made(JSObjectCallAsFunction(_context.globalContext(), function, nullptr, arguments.size(), arguments.begin(),
+                                       nullptr));
 }
 
-ScriptHelpers::Helper ScriptHelpers::makeMaker(const std::vector<NSString>& names, JSObjectRef prototype) {
-    return make(makerSource(names), names.size(), prototype);
+JSObjectRef ScriptHelpers::made(JSValueRef value) const {
+    if (!value)
+        throw NSException(NSInternalInconsistencyException, "The page has no stack left");
+    return JSValueToObject(_context.globalContext(), value, nullptr);
 }
 
-void ScriptHelpers::stopReads() {
-    for (double* mustStop : _runningReads)
-        *mustStop = 1;
+JSObjectRef ScriptHelpers::makeArray(size_t count, double*& numbers) {
+    const JSContextRef script = _context.globalContext();
+    JSObjectRef array = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, count, nullptr);
+    if (!array)
+        throw std::bad_alloc();
+    numbers = static_cast<double*>(JSObjectGetTypedArrayBytesPtr(script, array, nullptr));
+    return array;
 }
 
-ScriptReadAhead::ScriptReadAhead(const id& object, const ScriptKeyPlan& plan) : _plan(plan) {
-    auto script = object.as<WebScriptObject>();
-    if (!script || !script->scriptObject())
-        return;
-    ScriptContext& context = *script->_context;
-    const ScriptHelpers::Helper& helper = context.helpers().reader(plan);
-    double& mustStop = helper.numbers[plan.keys().size()];
-    mustStop = 0;
-    const JSValueRef argument = script->_object;
-    JSValueRef exception = nullptr;
-    context.helpers()._runningReads.push_back(&mustStop);
-    const JSValueRef answer =
-        JSObjectCallAsFunction(context.globalContext(), helper.function, nullptr, 1, &argument, &exception);
-    context.helpers()._runningReads.pop_back();
-    if (exception || !script->scriptObject())
-        return; // out of stack, or the page has gone: the single reads see to it
-    take(context.globalContext(), answer, helper.numbers);
-    _object = std::move(script);
-    _outer = std::exchange(_object->_readAhead, static_cast<ScriptValuesAhead*>(this));
+const ScriptHelpers::Shared& ScriptHelpers::shared() {
+    if (_shared.valueClass)
+        return _shared;
+    const JSContextRef script = _context.globalContext();
+    Shared fresh;
+    fresh.argumentArray = makeArray(maximumArguments, fresh.arguments);
+    fresh.stopArray = makeArray(1, fresh.stop);
+    fresh.valueClass = evaluate(valueClassSource);
+    JSStringRef name = JSStringCreateWithUTF8CString("kindOf");
+    fresh.kindOf = made(JSObjectGetProperty(script, fresh.valueClass, name, nullptr)); // kept by the class
+    JSStringRelease(name);
+    for (JSObjectRef object : {fresh.argumentArray, fresh.stopArray, fresh.valueClass})
+        _context.keep(object);
+    return _shared = fresh;
 }
 
-ScriptReadAhead::~ScriptReadAhead() {
-    if (_object)
-        _object->_readAhead = _outer;
+ScriptHelpers::Maker ScriptHelpers::makeMaker(const std::vector<NSString>& names, Class kind) {
+    const JSContextRef script = _context.globalContext();
+    Maker maker;
+    JSObjectRef array = makeArray(names.size(), maker.numbers);
+    maker.function =
+        call(evaluate(makerSource(names)), {shared().valueClass, JSValueMakeNumber(script, kindNumber(kind)), array});
+    maker.prototype = made(JSObjectGetPrototype(script, call(maker.function, {}))); // kept by the function
+    _context.keep(maker.function);
+    JSObjectSetPrototype(script, maker.prototype, JSObjectGetPrototype(script, JSObjectMake(script, nullptr, nullptr)));
+    return maker;
 }
 
-void ScriptReadAhead::take(JSContextRef context, JSValueRef answer, const double* numbers) {
-    if (JSValueIsNumber(context, answer)) {
-        _numberCount = _plan.keys().size();
-        std::copy_n(numbers, _numberCount, _numbers.begin());
-        return;
-    }
-    JSObjectRef array = JSValueToObject(context, answer, nullptr);
-    const auto element = [&](unsigned i) { return JSObjectGetPropertyAtIndex(context, array, i, nullptr); };
-    _lastKind = JSValueToBoolean(context, element(0)) ? Kind::Exception : Kind::Value;
-    _last = element(1);
-    // The numbers end with the first that was not read.
-    for (unsigned i = 0; i < _numbers.size(); ++i) {
-        const JSValueRef value = element(i + 2);
-        if (!JSValueIsNumber(context, value))
-            return;
-        _numbers[_numberCount++] = JSValueToNumber(context, value, nullptr);
-    }
+JSObjectRef ScriptHelpers::makeNumericFunction(const NSString& name, const WebNumericMethod& method,
+                                               JSObjectRef compute, JSObjectRef proceed, JSObjectRef maker) {
+    const Shared& common = shared();
+    const auto keys = method.argument->scripting().makeValueObject()->attributeKeys();
+    return call(evaluate(numericSource(name, method, keys)),
+                {compute, proceed, maker, common.kindOf,
+                 JSValueMakeNumber(_context.globalContext(), kindNumber(method.argument)), common.argumentArray,
+                 common.stopArray});
 }
 
-bool ScriptReadAhead::next(const NSString& key, Kind& kind, double& number, JSValueRef& value) {
-    if (_next >= _plan.keys().size() || !(_plan.keys()[_next] == key))
-        return false;
-    if (_next < _numberCount) {
-        kind = Kind::Number;
-        number = _numbers[_next++];
-        return true;
-    }
-    if (!_last)
-        return false;
-    kind = _lastKind;
-    value = std::exchange(_last, nullptr);
-    _next = _plan.keys().size(); // what follows is read singly
-    return true;
+void ScriptHelpers::setStopped(bool stopped) {
+    if (_shared.stop)
+        *_shared.stop = stopped;
 }
 
 } // namespace veyra

@@ -1,10 +1,11 @@
 // Small functions of compiled script that do in one call what takes the engine's C interface many: reading several keys
-// of an object, and making a value object with its attributes. They do exactly what the single steps would, in the same
-// order, and use nothing that a page can change. Numbers cross in a typed array of the context's own.
+// of an object, making a value object with its attributes, and the ordinary calls of numeric methods. They do exactly
+// what the single steps would, in the same order, and use nothing that a page can change. Numbers cross in typed arrays
+// of the context's own.
 // Web thread only.
 #pragma once
 
-#include "Platform/Foundation/id.h"
+#include "Platform/Foundation/Runtime.h"
 
 #include <JavaScriptCore/JavaScript.h>
 
@@ -16,21 +17,7 @@
 namespace veyra {
 
 class ScriptContext;
-class WebScriptObject;
 struct ScriptKeySequence;
-
-/// The keys that a native method reads of an argument one after the other, as long as each is a number. Made once for
-/// each such method, as a function-local static that is never destroyed.
-class ScriptKeyPlan {
-public:
-    static constexpr size_t maximumKeys = 8;
-    /// At most `maximumKeys`, in the order in which they are read; a key may come twice. Each is a plain ASCII name.
-    explicit ScriptKeyPlan(std::vector<NSString> keys) : _keys(std::move(keys)) {}
-    const std::vector<NSString>& keys() const { return _keys; }
-
-private:
-    const std::vector<NSString> _keys;
-};
 
 /// What has been read of a script object ahead, for WebScriptObject::valueForKey.
 class ScriptValuesAhead {
@@ -44,44 +31,32 @@ protected:
     ~ScriptValuesAhead() = default;
 };
 
-/// Reads the keys of a plan from a script object when it is made, up to the first that is no number, and answers
-/// WebScriptObject::valueForKey from what was read, in the plan's order, while it lives. On the stack of one call.
-class ScriptReadAhead final : public ScriptValuesAhead {
-public:
-    /// Does nothing for what is no live script object.
-    ScriptReadAhead(const id& object, const ScriptKeyPlan& plan);
-    ~ScriptReadAhead();
-    ScriptReadAhead(const ScriptReadAhead&) = delete;
-    ScriptReadAhead& operator=(const ScriptReadAhead&) = delete;
-
-private:
-    bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value) override;
-    void take(JSContextRef context, JSValueRef answer, const double* numbers);
-
-    std::shared_ptr<WebScriptObject> _object;
-    ScriptValuesAhead* _outer = nullptr; // of the same object
-    const ScriptKeyPlan& _plan;
-    std::array<double, ScriptKeyPlan::maximumKeys> _numbers;
-    size_t _numberCount = 0;
-    Kind _lastKind = Kind::Number; // of what came after the numbers, if anything did
-    JSValueRef _last = nullptr;    // the collector finds it on the stack
-    size_t _next = 0;
-};
+/// How the reading of a numeric function's argument has ended: with the numbers before, with something that is no
+/// number, or with an exception.
+enum class ScriptReadEnd { WithNumbers, WithValue, WithException };
 
 /// The helpers of one context, made when they are first used. Owned by the context, which keeps their functions alive.
 class ScriptHelpers {
 public:
     explicit ScriptHelpers(ScriptContext& context) : _context(context) {}
 
-    struct Helper {
-        JSObjectRef function = nullptr;
-        double* numbers = nullptr; // of the typed array
+    /// Makes value objects of one kind.
+    struct Maker {
+        JSObjectRef function = nullptr; ///< (): a new object whose own properties are the numbers, in order
+        JSObjectRef prototype = nullptr;
+        double* numbers = nullptr; ///< of a typed array that the function keeps
     };
-    /// function (object): the count of the plan's keys, all numbers, which are in the typed array; or an array: whether
-    /// the last read threw, what it gave or threw, and the numbers before it.
-    const Helper& reader(const ScriptKeyPlan& plan);
-    /// function (): a new object of that prototype whose own properties are the numbers in the typed array, in order.
-    Helper makeMaker(const std::vector<NSString>& names, JSObjectRef prototype);
+    Maker makeMaker(const std::vector<NSString>& names, Class kind);
+
+    /// A script function of that name for a numeric method. It reads the keys of its argument as long as they are
+    /// numbers. When all are, it puts the argument's attributes into `arguments()`, calls compute(this) and, when that
+    /// returns undefined, makes the result with the function that maker() returns. Else it returns
+    /// proceed(this, argument, count of numbers read, ScriptReadEnd, what was read last, numbers…).
+    JSObjectRef makeNumericFunction(const NSString& name, const WebNumericMethod& method, JSObjectRef compute,
+                                    JSObjectRef proceed, JSObjectRef maker);
+    static constexpr size_t maximumArguments = 4;
+    /// The attributes that the numeric function in question has read.
+    const double* arguments() { return shared().arguments; }
 
     struct ElementReader {
         JSObjectRef function = nullptr;
@@ -91,18 +66,29 @@ public:
     /// See ScriptElementReader.cpp. Without a function for want of memory.
     const ElementReader& elementReader(const ScriptKeySequence& sequence);
 
-    /// The page has gone, perhaps by what a read of it ran: no running reader reads another key.
-    void stopReads();
+    /// An array of one number: when it is not 0, the page is not to be read, and a helper that is reading stops.
+    JSObjectRef stopArray() { return shared().stopArray; }
+    /// The page has gone, perhaps by what a read of it ran, or is hidden; or is shown again.
+    void setStopped(bool stopped);
 
 private:
-    friend class ScriptReadAhead;
-    friend class ScriptElementWalk;
-    Helper make(const std::string& source, size_t count, JSValueRef prototype = nullptr);
+    /// What the helpers of the context have in common.
+    struct Shared {
+        JSObjectRef valueClass = nullptr; // from which the classes of value objects inherit
+        JSObjectRef kindOf = nullptr;     // (object): the kind of one of our value objects, else 0
+        JSObjectRef argumentArray = nullptr, stopArray = nullptr;
+        double *arguments = nullptr, *stop = nullptr;
+    };
+    const Shared& shared();
+    // These throw when the engine cannot: a page may have left no stack or memory.
+    JSObjectRef evaluate(const std::string& source);
+    JSObjectRef call(JSObjectRef function, std::initializer_list<JSValueRef> arguments);
+    JSObjectRef made(JSValueRef value) const;
+    JSObjectRef makeArray(size_t count, double*& numbers);
 
     ScriptContext& _context;
-    std::unordered_map<const ScriptKeyPlan*, Helper> _readers;
+    Shared _shared;
     std::unordered_map<const ScriptKeySequence*, ElementReader> _elementReaders;
-    std::vector<double*> _runningReads; // where the readers that run just now look
 };
 
 } // namespace veyra

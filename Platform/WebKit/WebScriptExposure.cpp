@@ -1,8 +1,12 @@
 #include "Platform/WebKit/WebScriptExposure.h"
 
 #include "Platform/WebKit/ScriptCall.h"
+#include "Platform/WebKit/ScriptNumericArgument.h"
+#include "Platform/WebKit/WebScriptObject.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -19,8 +23,16 @@ struct ExposedKey {
 
 struct ExposedMethod {
     JSStringRef scriptName;
+    NSString name;
     Method method;
-    std::vector<bool> booleans; // of the parameters, in order
+    std::vector<bool> booleans;    // of the parameters, in order
+    std::optional<size_t> numeric; // its place among the numeric methods
+};
+
+struct NumericMethod {
+    const WebNumericMethod* method;
+    size_t exposed;              // its place among the methods
+    std::vector<NSString> reads; // the keys in the order in which they are read of a script object
 };
 
 // Made once: a native function of the engine carries no data, so that each name has a function of its own that knows
@@ -29,6 +41,7 @@ struct Exposure {
     ScriptObjectResolver resolver = nullptr;
     std::vector<ExposedKey> keys;
     std::vector<ExposedMethod> methods;
+    std::vector<NumericMethod> numericMethods;
 };
 
 Exposure& exposure() {
@@ -38,6 +51,7 @@ Exposure& exposure() {
 
 constexpr size_t maximumKeys = 24;
 constexpr size_t maximumMethods = 32;
+constexpr size_t maximumNumericMethods = 8;
 constexpr size_t maximumParameters = 4;
 
 JSValueRef throwError(JSContextRef script, JSValueRef* exception, const char* type, const char* message) {
@@ -60,8 +74,8 @@ JSValueRef throwPageGone(JSContextRef script, JSValueRef* exception) {
     return throwError(script, exception, "ReferenceError", "The page of this map has gone");
 }
 
-// Getters run no script, so that neither the context nor the object needs to be held for them. Making a script object
-// of the result may: a page can put a setter on a prototype.
+// Neither getters nor the making of their results run a page's script, so that neither the context nor the object needs
+// to be held for them.
 JSValueRef readKey(size_t index, JSContextRef script, JSObjectRef thisObject, JSValueRef* exception) {
     ScriptContext* const context = ScriptContext::find(script);
     if (!context)
@@ -69,19 +83,15 @@ JSValueRef readKey(size_t index, JSContextRef script, JSObjectRef thisObject, JS
     NSObject* const object = exposure().resolver(script, thisObject);
     if (!object)
         return JSValueMakeUndefined(script);
-    std::shared_ptr<ScriptContext> held; // outlives the call
     return ScriptCall::run(*context, script, exception, [&] {
-        const id value = exposure().keys[index].getter.implementation(*object, {});
-        if (value.isObject())
-            held = context->shared_from_this();
-        return context->toScript(value);
+        return context->toScript(exposure().keys[index].getter.implementation(*object, {}));
     });
 }
 
 // What an assignment does on an object that is no map: it makes an ordinary property.
 void defineOwnProperty(ScriptContext& context, JSContextRef script, JSObjectRef object, JSStringRef name,
                        JSValueRef value, JSValueRef* exception) {
-    JSObjectRef descriptor = JSObjectMake(script, nullptr, nullptr);
+    JSObjectRef descriptor = ScriptContext::makeBareObject(script);
     const auto set = [&](const char* key, JSValueRef entry) {
         JSStringRef text = JSStringCreateWithUTF8CString(key);
         JSObjectSetProperty(script, descriptor, text, entry, kJSPropertyAttributeNone, nullptr);
@@ -116,7 +126,7 @@ JSValueRef writeKey(size_t index, JSContextRef script, JSObjectRef thisObject, J
 }
 
 JSValueRef callMethod(size_t index, JSContextRef script, JSObjectRef thisObject, size_t count,
-                      const JSValueRef values[], JSValueRef* exception) {
+                      const JSValueRef values[], JSValueRef* exception, ScriptValuesAhead* ahead = nullptr) {
     const auto context = ScriptContext::existing(script);
     if (!context)
         return throwPageGone(script, exception);
@@ -135,9 +145,65 @@ JSValueRef callMethod(size_t index, JSContextRef script, JSObjectRef thisObject,
             else
                 arguments[i] = value ? context->argumentToNative(value) : id(WebUndefined{});
         }
+        std::optional<AnsweringAhead> answering;
+        if (ahead)
+            answering.emplace(arguments[0].as<WebScriptObject>(), *ahead);
         const id result = exposed.method.implementation(*object, std::span(arguments).first(parameters));
         return result.isNil() ? nullptr : context->toScript(result);
     });
+}
+
+// See ScriptHelpers::makeNumericFunction for the three functions that it calls.
+
+JSValueRef computeNumbers(size_t index, JSContextRef script, size_t count, const JSValueRef values[]) {
+    const WebNumericMethod& method = *exposure().numericMethods[index].method;
+    ScriptContext* const context = ScriptContext::find(script);
+    if (!context || count == 0 || !JSValueIsObject(script, values[0]))
+        return JSValueMakeBoolean(script, false);
+    try {
+        // Copied, as the object may come into being only now.
+        std::array<double, ScriptHelpers::maximumArguments> arguments;
+        std::copy_n(context->helpers().arguments(), arguments.size(), arguments.begin());
+        const NSObject* object = exposure().resolver(script, const_cast<JSObjectRef>(values[0]));
+        if (!object)
+            return JSValueMakeBoolean(script, false);
+        method.compute(*object, arguments.data(), context->makerOf(method.result).numbers);
+    } catch (const std::exception&) {
+        return JSValueMakeBoolean(script, false); // the method reports it
+    }
+    return JSValueMakeUndefined(script);
+}
+
+JSValueRef makerOfResult(size_t index, JSContextRef script) {
+    return ScriptContext::find(script)->makerOf(exposure().numericMethods[index].method->result).function;
+}
+
+JSValueRef proceedWithMethod(size_t index, JSContextRef script, size_t count, const JSValueRef values[],
+                             JSValueRef* exception) {
+    constexpr size_t firstNumber = 5;
+    const NumericMethod& numeric = exposure().numericMethods[index];
+    const auto number = [&](size_t i) { return static_cast<size_t>(JSValueToNumber(script, values[i], nullptr)); };
+    ScriptNumericArgument ahead(script, numeric.reads, std::span(values, count).subspan(firstNumber, number(2)),
+                                static_cast<ScriptReadEnd>(number(3)), values[4]);
+    JSObjectRef thisObject = JSValueIsObject(script, values[0]) ? JSValueToObject(script, values[0], nullptr) : nullptr;
+    return callMethod(numeric.exposed, script, thisObject, 1, values + 1, exception, &ahead);
+}
+
+template <size_t I>
+JSValueRef computeFunction(JSContextRef script, JSObjectRef, JSObjectRef, size_t count, const JSValueRef values[],
+                           JSValueRef*) {
+    return computeNumbers(I, script, count, values);
+}
+
+template <size_t I>
+JSValueRef makerFunction(JSContextRef script, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
+    return makerOfResult(I, script);
+}
+
+template <size_t I>
+JSValueRef proceedFunction(JSContextRef script, JSObjectRef, JSObjectRef, size_t count, const JSValueRef values[],
+                           JSValueRef* exception) {
+    return proceedWithMethod(I, script, count, values, exception);
 }
 
 template <size_t I>
@@ -171,9 +237,25 @@ constexpr auto methodFunctions(std::index_sequence<I...>) {
     return std::array<JSObjectCallAsFunctionCallback, sizeof...(I)>{methodFunction<I>...};
 }
 
+template <size_t... I>
+constexpr auto computeFunctions(std::index_sequence<I...>) {
+    return std::array<JSObjectCallAsFunctionCallback, sizeof...(I)>{computeFunction<I>...};
+}
+template <size_t... I>
+constexpr auto makerFunctions(std::index_sequence<I...>) {
+    return std::array<JSObjectCallAsFunctionCallback, sizeof...(I)>{makerFunction<I>...};
+}
+template <size_t... I>
+constexpr auto proceedFunctions(std::index_sequence<I...>) {
+    return std::array<JSObjectCallAsFunctionCallback, sizeof...(I)>{proceedFunction<I>...};
+}
+
 constexpr auto getters = getterFunctions(std::make_index_sequence<maximumKeys>{});
 constexpr auto setters = setterFunctions(std::make_index_sequence<maximumKeys>{});
 constexpr auto methods = methodFunctions(std::make_index_sequence<maximumMethods>{});
+constexpr auto computers = computeFunctions(std::make_index_sequence<maximumNumericMethods>{});
+constexpr auto makers = makerFunctions(std::make_index_sequence<maximumNumericMethods>{});
+constexpr auto proceeders = proceedFunctions(std::make_index_sequence<maximumNumericMethods>{});
 
 // "mapType" -> "setMapType:"
 std::string setterSelector(std::string key) {
@@ -207,7 +289,41 @@ void collectMethods(Class cls) {
         std::vector<bool> booleans;
         for (size_t i = 3; i < method.types.size(); ++i)
             booleans.push_back(method.types[i] == 'c');
-        exposure().methods.push_back({ScriptContext::makeString(*name), method, std::move(booleans)});
+        exposure().methods.push_back({ScriptContext::makeString(*name), *name, method, std::move(booleans), {}});
+    }
+}
+
+void collectNumericMethods(Class cls) {
+    if (!cls->scripting().numericMethods)
+        return;
+    for (const WebNumericMethod& numeric : cls->scripting().numericMethods()) {
+        auto& exposed = exposure().methods;
+        const auto found = std::find_if(exposed.begin(), exposed.end(),
+                                        [&](const auto& known) { return known.method.selector == numeric.selector; });
+        if (found == exposed.end())
+            continue;
+        found->numeric = exposure().numericMethods.size();
+        auto reads = numeric.argument->scripting().makeValueObject()->attributeKeys();
+        reads.insert(reads.end(), numeric.reads.begin(), numeric.reads.end());
+        exposure().numericMethods.push_back({&numeric, static_cast<size_t>(found - exposed.begin()), std::move(reads)});
+    }
+}
+
+JSObjectRef makeFunction(ScriptContext& context, size_t index) {
+    const JSContextRef script = context.globalContext();
+    const ExposedMethod& exposed = exposure().methods[index];
+    if (!exposed.numeric)
+        return JSObjectMakeFunctionWithCallback(script, exposed.scriptName, methods[index]);
+    const size_t numeric = *exposed.numeric;
+    const auto make = [script](JSObjectCallAsFunctionCallback callback) {
+        return JSObjectMakeFunctionWithCallback(script, nullptr, callback);
+    };
+    try {
+        return context.helpers().makeNumericFunction(exposed.name, *exposure().numericMethods[numeric].method,
+                                                     make(computers[numeric]), make(proceeders[numeric]),
+                                                     make(makers[numeric]));
+    } catch (const std::exception&) { // no stack left, where a script has just made the page
+        return JSObjectMakeFunctionWithCallback(script, exposed.scriptName, methods[index]);
     }
 }
 
@@ -231,7 +347,7 @@ public:
 private:
     JSContextRef script() const { return _context.globalContext(); }
     JSObjectRef makeDescriptor() const {
-        JSObjectRef descriptor = JSObjectMake(script(), nullptr, nullptr);
+        JSObjectRef descriptor = ScriptContext::makeBareObject(script());
         set(descriptor, "configurable", JSValueMakeBoolean(script(), true));
         return descriptor;
     }
@@ -258,7 +374,9 @@ void exposeClass(ScriptContext& context, JSObjectRef target, Class cls, const st
         shared.resolver = resolver;
         collectKeys(cls, keys);
         collectMethods(cls);
-        if (shared.keys.size() > maximumKeys || shared.methods.size() > maximumMethods)
+        collectNumericMethods(cls);
+        if (shared.keys.size() > maximumKeys || shared.methods.size() > maximumMethods ||
+            shared.numericMethods.size() > maximumNumericMethods)
             throw std::logic_error("more script names than native functions");
     }
     const JSContextRef script = context.globalContext();
@@ -268,10 +386,8 @@ void exposeClass(ScriptContext& context, JSObjectRef target, Class cls, const st
         definer.accessor(name, JSObjectMakeFunctionWithCallback(script, name, getters[i]),
                          JSObjectMakeFunctionWithCallback(script, name, setters[i]));
     }
-    for (size_t i = 0; i < shared.methods.size(); ++i) {
-        JSStringRef name = shared.methods[i].scriptName;
-        definer.function(name, JSObjectMakeFunctionWithCallback(script, name, methods[i]));
-    }
+    for (size_t i = 0; i < shared.methods.size(); ++i)
+        definer.function(shared.methods[i].scriptName, makeFunction(context, i));
 }
 
 } // namespace veyra

@@ -8,6 +8,9 @@
 
 #include "Platform/WebKit/ScriptContext.h"
 
+#include <optional>
+#include <utility>
+
 namespace veyra {
 
 class WebScriptObject final : public NSObject {
@@ -37,7 +40,7 @@ public:
 
 private:
     friend class ScriptContext;
-    friend class ScriptReadAhead;
+    friend class AnsweringAhead;
     WebScriptObject(std::shared_ptr<ScriptContext> context, JSObjectRef object)
         : _context(std::move(context)), _object(object) {}
     void report(JSValueRef exception) const;
@@ -46,6 +49,23 @@ private:
     JSObjectRef const _object;
     std::optional<unsigned> _slot;           // none while only the running call's arguments keep the object; web thread
     ScriptValuesAhead* _readAhead = nullptr; // that answers reads just now; web thread
+};
+
+/// Lets a script object (may be null) answer from what has been read of it, as long as this lives.
+class AnsweringAhead {
+public:
+    AnsweringAhead(std::shared_ptr<WebScriptObject> object, ScriptValuesAhead& ahead)
+        : _object(std::move(object)), _former(_object ? std::exchange(_object->_readAhead, &ahead) : nullptr) {}
+    ~AnsweringAhead() {
+        if (_object)
+            _object->_readAhead = _former;
+    }
+    AnsweringAhead(const AnsweringAhead&) = delete;
+    AnsweringAhead& operator=(const AnsweringAhead&) = delete;
+
+private:
+    const std::shared_ptr<WebScriptObject> _object;
+    ScriptValuesAhead* const _former;
 };
 
 } // namespace veyra

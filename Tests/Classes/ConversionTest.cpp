@@ -52,6 +52,25 @@ TEST_F(Conversions, ACoordinateBecomesItsPointAndBack) {
     EXPECT_NEAR(back->longitude(), middle.longitude, 1e-9);
 }
 
+TEST_F(Conversions, AnswerFromTheGeometryThatIsStored) {
+    view().setBoundsSize({320, 480});
+    view().setVisibleMapRect({{1000, 2000}, {3200, 4800}});
+    const CLLocationCoordinate2D middle = MKCoordinateForMapPoint({2600, 4400});
+    const auto point = convert<VeyraPointSO>("map.convertCoordinateToPoint(" + place(middle) + ")");
+    EXPECT_NEAR(point->x(), 160, 1e-6);
+    EXPECT_NEAR(point->y(), 240, 1e-6);
+    const auto back = convert<VeyraLocationCoordinateSO>("map.convertPointToCoordinate({ x: 160, y: 240 })");
+    EXPECT_EQ(degrees({back->latitude(), back->longitude()}), degrees(middle));
+    const auto whole = convert<VeyraRegionSO>("map.convertRectToRegion({ x: 0, y: 0, width: 320, height: 480 })");
+    const auto expected = MKCoordinateRegionForMapRect({{1000, 2000}, {3200, 4800}});
+    EXPECT_EQ(degrees({whole->latitude(), whole->longitude()}), degrees(expected.center));
+    EXPECT_EQ(whole->latitudeDelta(), expected.span.latitudeDelta);
+    EXPECT_EQ(whole->longitudeDelta(), expected.span.longitudeDelta);
+    view().setCoordinateRegion({{1, 2}, {3, 4}});
+    EXPECT_EQ(run("JSON.stringify(map.region)"),
+              R"({"latitude":1,"longitude":2,"latitudeDelta":3,"longitudeDelta":4})");
+}
+
 TEST_F(Conversions, ACoordinatesPointFollowsTheFormulaExactly) {
     const MKMapPoint p = MKMapPointForCoordinate({12.25, -33.5});
     const auto point = convert<VeyraPointSO>("map.convertCoordinateToPoint({ latitude: 12.25, longitude: -33.5 })");

@@ -223,4 +223,10 @@ TEST_F(Script, VerboseLogsWhatTheMapIgnores) {
     EXPECT_EQ(run(text).errors, "");
 }
 
+TEST_F(Script, SurvivesThousandsOfHostileCalls) {
+    const Finished ended = runVeyra({"script", VEYRA_DATA "/hostile.js"});
+    EXPECT_EQ(ended.output, "the map works\n");
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+}
+
 } // namespace veyra::test

@@ -23,6 +23,7 @@ constexpr Page pages[] = {
     {"ElementUnderStrictPolicy", "element.js", "/pages/element.html?csp"},
     {"Documents", "documents.js", "/pages/documents.html"},
     {"Safety", "safety.js", "/pages/safety.html"},
+    {"Hostile", "hostile.js", "/pages/hostile.html"},
     {"Isolation", "isolation.js", "/pages/isolation.html"},
     {"Layout", "layout.js", "/pages/layout.html"},
     {"Arguments", "arguments.js", "/pages/arguments.html"},

@@ -96,7 +96,7 @@ double MKPathPainter::lengthOfPieces() const {
     for (const Piece& piece : _pieces) {
         for (size_t i = 1; i < piece.count; ++i) {
             const MKPixelPoint a = _points[piece.first + i - 1], b = _points[piece.first + i];
-            length += std::hypot(b.x - a.x, b.y - a.y);
+            length += std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
         }
     }
     return length;

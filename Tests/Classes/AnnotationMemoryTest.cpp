@@ -26,7 +26,7 @@ private:
     size_t bytesAfter(const std::string& call) {
         run(call);
         settle();
-        for (int frame = 0; frame < 5; ++frame) {
+        for (int drawn = 0; drawn < 5; ++drawn) {
             onMain([&] { instance().window()->drawFrame(_now += 1); });
             settle();
         }

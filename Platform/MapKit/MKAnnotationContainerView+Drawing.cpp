@@ -21,6 +21,9 @@ constexpr unsigned mostDamages = 100;
 // A pin whose fall has not been drawn for so long is put down: its window is hidden. Seconds.
 constexpr double longestPause = 1;
 
+// Of a larger batch the rest does not fall: nobody can follow it, and every frame would have to.
+constexpr size_t mostDrops = 100000;
+
 // A falling pin begins so far above the map's upper edge, in points: it is not seen at first.
 constexpr double heightAboveMap = 4;
 
@@ -263,9 +266,14 @@ void MKAnnotationContainerView::startDrops(const std::vector<uint32_t>& numbers)
         return;
     }
     std::vector<MKDropAnimation::Drop> batch;
-    batch.reserve(numbers.size());
+    batch.reserve(std::min(numbers.size(), mostDrops));
     for (const uint32_t number : numbers) {
-        batch.push_back({number, _store[number].attachSerial, 0, std::nullopt});
+        if (batch.size() < mostDrops) {
+            batch.push_back({number, _store[number].attachSerial, 0, std::nullopt});
+        } else {
+            _store[number].waitsToDrop = false;
+            damage(number);
+        }
     }
     _drops.addBatch(std::move(batch));
     setNeedsAnimationStep();

@@ -208,7 +208,7 @@ void MKAnnotationContainerView::setAwaitsMore(bool awaits) {
         _layer.invalidateAll();
         setNeedsDisplay();
     }
-    if (_reportQueued) {
+    if (std::exchange(_isReportHeldBack, false)) {
         queueReport(g_get_monotonic_time() + longestWait);
     }
 }
@@ -297,7 +297,11 @@ void MKAnnotationContainerView::queueReport(int64_t deadline) {
 
 // What waits in the queue may add more views: it goes first. Other maps wait like this one, so not for ever.
 void MKAnnotationContainerView::reportUnlessMoreIsComing(int64_t deadline) {
-    if (!_reportQueued || _awaitsMore) {
+    if (!_reportQueued) {
+        return;
+    }
+    if (_awaitsMore) {
+        _isReportHeldBack = true;
         return;
     }
     if (dispatch_get_main_queue().waitingBlocks() > 0 && g_get_monotonic_time() < deadline) {
@@ -309,7 +313,7 @@ void MKAnnotationContainerView::reportUnlessMoreIsComing(int64_t deadline) {
 
 void MKAnnotationContainerView::reportAddedViews() {
     const auto self = sharedView();
-    _reportQueued = false;
+    _reportQueued = _isReportHeldBack = false;
     std::vector<std::shared_ptr<MKAnnotationView>> views;
     std::vector<uint32_t> dropping;
     views.reserve(_unreported.size());

@@ -177,6 +177,7 @@ private:
     bool _awaitsMore = false;   // of a batch
     bool _holdsBackNew = false; // views that are given now are drawn with the last of their batch
     bool _hasHeldBackNew = false;
+    bool _isReportHeldBack = false;
 
     MKDropAnimation _drops;
     std::unique_ptr<DispatchTimer> _dropTimer;

@@ -319,6 +319,22 @@ TEST_F(Dropping, ALargeBatchTakesNoLongerThanASecond) {
     EXPECT_LT(now - start, 1.1);
 }
 
+TEST_F(Dropping, IsLeftOutForTheRestOfAVeryLargeBatch) {
+    showAround();
+    std::vector<std::shared_ptr<MKAnnotation>> batch;
+    for (int i = 0; i < 100001; ++i) {
+        batch.push_back(annotation("a", {0, i / 10000.0}));
+    }
+    map->addAnnotations(batch);
+    runQueue();
+    frame();
+    const auto topOf = [&](const std::shared_ptr<MKAnnotation>& one) {
+        return map->viewForAnnotation(one)->frame().minY();
+    };
+    EXPECT_LT(topOf(batch[99999]), 0);
+    EXPECT_NEAR(topOf(batch[100000]), 150 - 36, 1e-6);
+}
+
 TEST_F(Dropping, HappensOnceForAnAnnotation) {
     showAround();
     const auto a = add("a", {0, 0});

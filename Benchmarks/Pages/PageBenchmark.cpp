@@ -215,6 +215,7 @@ int main(int argc, char** argv) {
         host.load(page);
         host.run(world);
         measureConversions(host);
+        measureReads(host); // what any call on an <object> costs
         return 0;
     }
     for (const bool composited : {false, true}) {

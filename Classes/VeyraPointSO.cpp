@@ -24,4 +24,11 @@ std::vector<NSString> VeyraPointSO::attributeKeys() const {
     return {kOstrelPointX, kOstrelPointY};
 }
 
+std::shared_ptr<VeyraPointSO> VeyraPointSO::withPoint(CGPoint point) {
+    auto object = std::make_shared<VeyraPointSO>();
+    object->setX(point.x);
+    object->setY(point.y);
+    return object;
+}
+
 } // namespace veyra

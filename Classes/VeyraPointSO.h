@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
+#include "Platform/UIKit/CGGeometry.h"
 
 namespace veyra {
 
@@ -18,6 +19,8 @@ public:
     void setX(double x) { _x = x; }
     double y() const { return _y; } ///< points from its top edge
     void setY(double y) { _y = y; }
+
+    static std::shared_ptr<VeyraPointSO> withPoint(CGPoint point);
 
 private:
     double _x = 0;

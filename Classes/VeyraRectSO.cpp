@@ -27,4 +27,13 @@ std::vector<NSString> VeyraRectSO::attributeKeys() const {
     return {kOstrelRectX, kOstrelRectY, kOstrelRectWidth, kOstrelRectHeight};
 }
 
+std::shared_ptr<VeyraRectSO> VeyraRectSO::withRect(const CGRect& rect) {
+    auto object = std::make_shared<VeyraRectSO>();
+    object->setX(rect.origin.x);
+    object->setY(rect.origin.y);
+    object->setWidth(rect.size.width);
+    object->setHeight(rect.size.height);
+    return object;
+}
+
 } // namespace veyra

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSObject.h"
+#include "Platform/UIKit/CGGeometry.h"
 
 namespace veyra {
 
@@ -22,6 +23,8 @@ public:
     void setWidth(double width) { _width = width; }
     double height() const { return _height; } ///< points
     void setHeight(double height) { _height = height; }
+
+    static std::shared_ptr<VeyraRectSO> withRect(const CGRect& rect);
 
 private:
     double _x = 0;

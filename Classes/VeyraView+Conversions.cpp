@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <optional>
 
 namespace veyra {
 
@@ -69,44 +70,77 @@ const std::vector<WebNumericMethod>& VeyraView::numericMethods() {
     return *methods;
 }
 
-id VeyraView::convert(SEL selector, const id& argument) const {
-    const auto& methods = numericMethods();
-    const WebNumericMethod& method =
-        *std::find_if(methods.begin(), methods.end(), [&](const auto& known) { return known.selector == selector; });
-    const std::vector<NSString> keys = method.argument->scripting().makeValueObject()->attributeKeys();
-    if (!VeyraValidateWebScriptObject(argument, method.argument, callerName(selector), keys))
-        return id();
-    std::array<double, maximumFields> values{}, fields{};
-    for (const NSString& key : method.reads) {
-        const auto index = static_cast<size_t>(std::find(keys.begin(), keys.end(), key) - keys.begin());
-        values[index] = geometryValueForKey(*argument.object(), key);
+namespace {
+
+/// The numeric methods in their order.
+enum Conversion { RegionThatFits, CoordinateToPoint, PointToCoordinate, RegionToRect, RectToRegion };
+
+/// What the check and the reading of an argument need.
+struct Argument {
+    Class cls;
+    id caller;
+    std::vector<NSString> keys;
+    std::vector<std::pair<NSString, size_t>> reads; // with the attribute's place
+};
+
+std::vector<Argument> makeArguments() {
+    std::vector<Argument> arguments;
+    for (const WebNumericMethod& method : VeyraView::numericMethods()) {
+        Argument made{method.argument,
+                      id(*VeyraView::webScriptNameForSelector(method.selector)),
+                      method.argument->scripting().makeValueObject()->attributeKeys(),
+                      {}};
+        for (const NSString& key : method.reads) {
+            const auto place = std::find(made.keys.begin(), made.keys.end(), key) - made.keys.begin();
+            made.reads.emplace_back(key, static_cast<size_t>(place));
+        }
+        arguments.push_back(std::move(made));
     }
-    method.compute(*this, values.data(), fields.data());
-    const auto result = method.result->scripting().makeValueObject();
-    const double* field = fields.data();
-    for (const NSString& key : result->attributeKeys())
-        result->setValueForKey(id(*field++), key);
-    return id(result);
+    return arguments;
 }
 
+const Argument& argumentOf(Conversion conversion) {
+    static const auto& arguments = *new std::vector<Argument>(makeArguments());
+    return arguments[conversion];
+}
+
+/// The argument of a conversion; nothing, and a script exception, for one that is refused.
+template <class T>
+std::optional<T> read(Conversion conversion, const id& argument) {
+    const Argument& expected = argumentOf(conversion);
+    if (!VeyraValidateWebScriptObject(argument, expected.cls, expected.caller, expected.keys))
+        return std::nullopt;
+    Fields<T> values;
+    for (const auto& [key, place] : expected.reads)
+        values[place] = geometryValueForKey(*argument.object(), key);
+    return std::bit_cast<T>(values);
+}
+
+} // namespace
+
 id VeyraView::regionThatFits(const id& region) {
-    return convert("regionThatFits:", region);
+    const auto wanted = read<MKCoordinateRegion>(RegionThatFits, region);
+    return wanted ? id(VeyraRegionSO::withRegion(fittingRegion(*wanted))) : id();
 }
 
 id VeyraView::convertCoordinateToPoint(const id& coordinate) {
-    return convert("convertCoordinateToPoint:", coordinate);
+    const auto place = read<CLLocationCoordinate2D>(CoordinateToPoint, coordinate);
+    return place ? id(VeyraPointSO::withPoint(pointForCoordinate(*place))) : id();
 }
 
 id VeyraView::convertPointToCoordinate(const id& point) {
-    return convert("convertPointToCoordinate:", point);
+    const auto place = read<CGPoint>(PointToCoordinate, point);
+    return place ? id(VeyraLocationCoordinateSO::withCoordinate(coordinateForPoint(*place))) : id();
 }
 
 id VeyraView::convertRegionToRect(const id& region) {
-    return convert("convertRegionToRect:", region);
+    const auto area = read<MKCoordinateRegion>(RegionToRect, region);
+    return area ? id(VeyraRectSO::withRect(rectForRegion(*area))) : id();
 }
 
 id VeyraView::convertRectToRegion(const id& rect) {
-    return convert("convertRectToRegion:", rect);
+    const auto area = read<CGRect>(RectToRegion, rect);
+    return area ? id(VeyraRegionSO::withRegion(regionForRect(*area))) : id();
 }
 
 MKCoordinateRegion VeyraView::fittingRegion(const MKCoordinateRegion& region) const {

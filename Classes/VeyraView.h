@@ -241,7 +241,6 @@ private:
     void updateLongPressGestureRecognizer(bool drops);
 
     // Conversions: VeyraView+Conversions.cpp
-    id convert(SEL selector, const id& argument) const;
     MKCoordinateRegion fittingRegion(const MKCoordinateRegion& region) const;
     CGPoint pointForCoordinate(const CLLocationCoordinate2D& coordinate) const;
     CLLocationCoordinate2D coordinateForPoint(const CGPoint& point) const;

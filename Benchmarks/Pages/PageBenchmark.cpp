@@ -123,6 +123,7 @@ int main(int argc, char** argv) {
         host.load(page);
         host.run("await library.start()");
         measureConversions(host);
+        measureReads(host); // what any call on an <object> costs
         return 0;
     }
     if (!what.empty()) {

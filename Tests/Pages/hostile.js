@@ -29,7 +29,8 @@ async function worksLikeAnyMap(map) {
     const added = event(map, 'mapDidAddOverlays');
     map.addOverlays([1, 2].map((n) => ({ type: 'circle', id: `c${n}`, latitude: 48, longitude: 16, radius: 5000 })));
     equal((await added).join(), 'c1,c2', 'identifiers');
-    equal(Array.prototype.join.call(map.overlays), 'c1,c2', 'overlays');
+    equal(map.overlays.length, 2, 'overlays');
+    equal(map.overlays.includes('c1') && map.overlays.includes('c2'), true, 'each of them');
     const shown = event(map, 'mapDidAddViewsForAnnotations');
     map.addAnnotation({ latitude: 48.2, longitude: 16.4, identifier: 'a' });
     equal((await shown)[0][0], 'a', 'annotation');
@@ -39,12 +40,13 @@ const attacks = {
     'setters for indexes': `
         for (let i = 0; i < 200; ++i)
             for (const prototype of [Array.prototype, Object.prototype])
-                Object.defineProperty(prototype, i, { get() { return 'inherited'; }, set() { window.caught = true; } });`,
+                Object.defineProperty(prototype, i,
+                    { __proto__: null, get() { return 'inherited'; }, set() { window.caught = true; } });`,
     'setters for names': `
         for (const name of ['value', 'get', 'set', 'writable', 'configurable', 'enumerable', 'slots', 'latitude', 'x', 'id'])
-            Object.defineProperty(Object.prototype, name, { set() { window.caught = true; } });`,
+            Object.defineProperty(Object.prototype, name, { __proto__: null, set() { window.caught = true; } });`,
     'extended prototypes': 'Object.assign(Object.prototype, { get() {}, set() {}, value: 5, writable: false });',
-    'getters that throw': "Object.defineProperty(Object.prototype, 'latitude', { get() { throw 1; } });",
+    'getters that throw': "Object.defineProperty(Object.prototype, 'latitude', { __proto__: null, get() { throw 1; } });",
     'frozen prototypes': `
         for (const type of [Object, Array, Function, String, Error, HTMLObjectElement, HTMLElement, Element, Node])
             Object.freeze(type.prototype);`,
@@ -155,7 +157,7 @@ behaviour('the element may be lost in any event', async () => {
             map.setRegion(vienna, false);
             map.addOverlay({ type: 'circle', id: 'c', latitude: 48.2, longitude: 16.4, radius: 5000 });
             map.addAnnotation({ ...vienna, identifier: 'a', title: 'A' });
-            map.addAnnotation({ ...vienna, identifier: 'b', imageURL: 'data:,none' });
+            map.addAnnotation({ ...vienna, identifier: 'b', imageURL: 'ftp://127.0.0.1/none' });
             map.selectAnnotation('a', false);
             map.removeAnnotation('a');
             map.showsUserLocation = true;

@@ -45,6 +45,7 @@ void MKTileLayer::setSource(std::shared_ptr<const MKTileSource> source) {
     _source = std::move(source);
     _failed.clear();
     _isStale = true;
+    _showsWorldAlone = false;
 }
 
 void MKTileLayer::forgetFailures() {
@@ -54,6 +55,20 @@ void MKTileLayer::forgetFailures() {
 
 MKTileKey MKTileLayer::keyFor(double scale, int32_t column, int32_t row) const {
     return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row, shownStyle()};
+}
+
+// What is said of the tiles that are there holds until those that are missing have come: names do not come and go with
+// every move.
+bool MKTileLayer::showsWorldAlone() {
+    if (!isWaiting()) {
+        const double scale = neededScale();
+        const auto tiles = tilesInArea(scale, _view, wholeOf(_view));
+        _showsWorldAlone = std::all_of(tiles.begin(), tiles.end(), [&](const MKPlacedTile& placed) {
+            const auto held = _held.find(keyFor(scale, placed.column, placed.row));
+            return held != _held.end() && held->second->quality().isWorldAlone;
+        });
+    }
+    return _showsWorldAlone;
 }
 
 UIUserInterfaceStyle MKTileLayer::shownStyle() const {

@@ -39,8 +39,8 @@ TileServer::TileServer(Handler handler)
 TileServer::~TileServer() {
     _stopping = true;
     _thread.join();
-    for (std::thread& connection : _connections)
-        connection.join();
+    while (_connections > 0)
+        std::this_thread::yield();
     close(_socket);
 }
 
@@ -71,8 +71,13 @@ void TileServer::run() {
         if (poll(&waiting, 1, 20) <= 0)
             continue;
         const int connection = accept4(_socket, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection >= 0)
-            _connections.emplace_back([this, connection] { serve(connection); });
+        if (connection < 0)
+            continue;
+        ++_connections;
+        std::thread([this, connection] {
+            serve(connection);
+            --_connections;
+        }).detach();
     }
 }
 

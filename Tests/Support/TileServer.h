@@ -69,7 +69,7 @@ private:
     mutable std::mutex _mutex;
     Handler _handler;                   // guarded by _mutex
     std::vector<TileRequest> _requests; // guarded by _mutex
-    std::vector<std::thread> _connections;
+    std::atomic<int> _connections{0};   // each has a thread
     std::thread _thread;
 };
 

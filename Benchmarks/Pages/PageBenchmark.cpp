@@ -151,6 +151,28 @@ void measureContent(PageHost& host, ScreenFrames& screen) {
     addAndMove(host, screen, "2,000 polygons of 24 vertices", "polygons(2000)", "map.addOverlays(content)");
 }
 
+// In a web process of its own, which has shown a page and a canvas before.
+void measureMemory(const std::string& page, int width, int height) {
+    PageHost host({VEYRA_EXTENSIONS, false, 1024, 768});
+    host.load(page);
+    host.run("canvas()");
+    const auto settled = [&] {
+        host.wait(4);
+        host.collectGarbage();
+        host.wait(1);
+        return privateMegabytes(host.webProcess());
+    };
+    const std::string size = std::to_string(width) + " x " + std::to_string(height);
+    const double before = settled();
+    host.run("insert({}, " + std::to_string(width) + ", " + std::to_string(height) + ")");
+    const double one = settled();
+    figure("memory of the first map, " + size, one - before, "MB");
+    constexpr int further = 4;
+    for (int i = 0; i < further; ++i)
+        host.run("insert({}, " + std::to_string(width) + ", " + std::to_string(height) + ")");
+    figure("memory of each of four further maps, " + size, (settled() - one) / further, "MB");
+}
+
 void measureIdle(PageHost& host, const char* name) {
     host.wait(5); // the engine's own work after what was before
     const int process = host.webProcess();
@@ -205,6 +227,8 @@ int main(int argc, char** argv) {
     const std::string world =
         "insert(); map.setRegion({ latitude: 48, longitude: 10, latitudeDelta: 20, longitudeDelta: 20 }, false);"
         "await new Promise(r => setTimeout(r, 1500));";
+    measureMemory(page, 300, 150);
+    measureMemory(page, 1024, 768);
     for (const bool composited : {false, true}) {
         PageHost host({VEYRA_EXTENSIONS, composited, 1024, 768});
         host.load(page);

@@ -14,18 +14,19 @@ constexpr double rankOverview = 1e6;
 constexpr double rankDestination = 2e6;
 constexpr double rankMargin = 3e6;
 
-// Device pixels around the view for which tiles are got ahead.
-constexpr int margin = MKTileKey::side / 2;
+// Device pixels around the view for which tiles are got ahead: a part of the view, and so many at most.
+constexpr int widestMargin = MKTileKey::side / 2, viewsInMargin = 4;
 // Tiles of scales so many times finer than the view's cover too little to be worth keeping.
 constexpr double finestScaleOfUse = 8;
-// The overview: the whole world so many pixels wide.
-constexpr double overviewScale = 1024 / MKWorldSide;
+// The overview: the whole world in one tile.
+constexpr double overviewScale = MKTileKey::side / MKWorldSide;
 
 PixelRect wholeOf(const MKPixelView& view) {
     return {0, 0, view.width, view.height};
 }
 
 PixelRect withMargin(const MKPixelView& view) {
+    const int margin = std::min(std::max(view.width, view.height) / viewsInMargin, widestMargin);
     return {-margin, -margin, view.width + 2 * margin, view.height + 2 * margin};
 }
 

@@ -75,7 +75,7 @@ TEST_F(ImageTilesServer, WhatHasLeftTheViewIsCancelled) {
 TEST_F(ImageTilesServer, AMapThatGoesCancelsItsRequests) {
     server->setHandler([](const TileRequest&) { return TileAnswer{.body = {}, .fields = {}, .delay = 1000}; });
     useServer();
-    window->setSize({512, 512}, 1);
+    window->setSize({1024, 1024}, 1);
     framesUntil([&] { return server->count() == 6; });
     window.reset();
     host.reset();

@@ -113,10 +113,15 @@ LabelPlace labelPlaceIn(const std::vector<std::vector<PositionLine>>& polygons) 
         rings.push_back(projected(line));
     }
     joinAcrossAntimeridian(rings);
+    // Of all rings: the outer one of Antarctica is the pole.
+    Ring all;
+    for (const Ring& ring : rings) {
+        all.insert(all.end(), ring.begin(), ring.end());
+    }
     const auto [west, east] =
-        std::minmax_element(rings[0].begin(), rings[0].end(), [](const Point& a, const Point& b) { return a.x < b.x; });
+        std::minmax_element(all.begin(), all.end(), [](const Point& a, const Point& b) { return a.x < b.x; });
     const auto [south, north] =
-        std::minmax_element(rings[0].begin(), rings[0].end(), [](const Point& a, const Point& b) { return a.y < b.y; });
+        std::minmax_element(all.begin(), all.end(), [](const Point& a, const Point& b) { return a.y < b.y; });
     const double width = east->x - west->x, height = north->y - south->y;
     const Point middle{west->x + width / 2, south->y + height / 2};
     Point best = middle;

@@ -62,6 +62,28 @@ void measureContents(PageHost& host, ScreenFrames& screen) {
         measureContent(host, screen, content);
 }
 
+// In a web process of its own, which has shown a page and a canvas before.
+void measureMemory(const std::string& page, int width, int height) {
+    PageHost host({VEYRA_EXTENSIONS, false, 1024, 768});
+    host.load(page);
+    host.run("canvas()");
+    const auto settled = [&] {
+        host.wait(4);
+        host.collectGarbage();
+        host.wait(1);
+        return privateMegabytes(host.webProcess());
+    };
+    const std::string size = std::to_string(width) + " x " + std::to_string(height);
+    const double before = settled();
+    host.run("insert({}, " + std::to_string(width) + ", " + std::to_string(height) + ")");
+    const double one = settled();
+    printFigure("memory of the first map, " + size, one - before, "MB");
+    constexpr int further = 4;
+    for (int i = 0; i < further; ++i)
+        host.run("insert({}, " + std::to_string(width) + ", " + std::to_string(height) + ")");
+    printFigure("memory of each of four further maps, " + size, (settled() - one) / further, "MB");
+}
+
 void measureIdle(PageHost& host, const char* name) {
     host.wait(5); // the engine's own work after what was before
     const int process = host.webProcess();
@@ -130,6 +152,8 @@ int main(int argc, char** argv) {
         std::cerr << "usage: bench-pages [--conversions | --side-by-side FOLDER-OF-NODE-MODULES]\n";
         return 2;
     }
+    measureMemory(page, 300, 150);
+    measureMemory(page, 1024, 768);
     for (const bool composited : {false, true}) {
         PageHost host({VEYRA_EXTENSIONS, composited});
         host.load(page);

@@ -211,6 +211,16 @@ double residentMegabytes(int process) {
     return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
 }
 
+double privateMegabytes(int process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
+    double kilobytes = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("Private_"))
+            kilobytes += std::atof(line.c_str() + line.find(':') + 1);
+    }
+    return kilobytes * 1024 / 1e6;
+}
+
 double median(std::vector<double> values) {
     if (values.empty())
         return 0;

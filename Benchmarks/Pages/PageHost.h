@@ -50,6 +50,8 @@ double threadSeconds(int process, const std::string& name);
 
 /// Memory of a process, in megabytes.
 double residentMegabytes(int process);
+/// What the process has for itself alone.
+double privateMegabytes(int process);
 
 /// The middle value; 0 for none.
 double median(std::vector<double> values);

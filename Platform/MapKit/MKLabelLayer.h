@@ -25,6 +25,8 @@ public:
     /// Draws the names of a scene inside the context's clip, as far as it can be done in `seconds` or has been done
     /// before.
     void draw(const UIGraphicsContext& context, const BasemapNames& names, const MKTileScene& scene, double seconds);
+    /// Says that the scene shows no names.
+    void drawNone() { _isComplete = true; }
     /// False when names were left out the last time: draw again.
     bool isComplete() const { return _isComplete; }
 

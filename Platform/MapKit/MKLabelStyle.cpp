@@ -38,7 +38,7 @@ constexpr Palette overPicture{.country = 0xfff8e0,
                               .halo = 0x10151c,
                               .waterHalo = 0x0a1f38,
                               .haloWidth = 1.5,
-                              .haloOpacity = 0.7};
+                              .haloOpacity = 0.85}; // on snow the letters are white on white
 
 } // namespace
 

@@ -20,11 +20,16 @@ constexpr double secondsAtRest = 0.02;
 void MKMapView::drawLabels(const UIGraphicsContext& context) {
     const MKTileScene& scene = *_tiles->scene();
     if (_labelsFailed) {
+        _labels->drawNone();
         return;
     }
     try {
-        const BasemapNames* const names = _tiles->source().names(scene.mapType);
+        const BasemapNames* names = _tiles->source().names(scene.mapType);
+        if (names == nullptr && _tiles->showsWorldAlone()) {
+            names = _tiles->source().namesOfWorldAlone(scene.mapType);
+        }
         if (names == nullptr) {
+            _labels->drawNone();
             return;
         }
         const bool isMoving = _changing || _scaleKeepsChanging;

@@ -49,6 +49,8 @@ struct MKTileQuality {
     int coarseness = 0;
     /// Seconds since 1970; not taken from a cache any more after that.
     double freshUntil = std::numeric_limits<double>::infinity();
+    /// True when the source has nothing there, and all that is seen is the world in its place.
+    bool isWorldAlone = false;
 };
 
 /// A drawn tile: one colour, or a picture of MKTileKey::side pixels square.
@@ -57,7 +59,8 @@ public:
     /// Takes over the surface (RGB24).
     MKTile(const MKTileKey& key, cairo_surface_t* surface, const MKTileQuality& quality = {})
         : _key(key), _surface(surface), _quality(quality) {}
-    MKTile(const MKTileKey& key, MKTileColor color) : _key(key), _surface(nullptr), _color(color) {}
+    MKTile(const MKTileKey& key, MKTileColor color, const MKTileQuality& quality = {})
+        : _key(key), _surface(nullptr), _color(color), _quality(quality) {}
     MKTile(const MKTile&) = delete;
     MKTile& operator=(const MKTile&) = delete;
     ~MKTile() { cairo_surface_destroy(_surface); }
@@ -106,6 +109,8 @@ public:
     virtual MKTileColor darkBackgroundColor(MKMapType mapType) const { return backgroundColor(mapType); }
     /// Names to be written over the picture, or null. Throws like `drawTile`. They live as long as the source.
     virtual const BasemapNames* names(MKMapType) const { return nullptr; }
+    /// The same for where all tiles in sight are the world alone.
+    virtual const BasemapNames* namesOfWorldAlone(MKMapType) const { return nullptr; }
     /// Unique in the process and never used again.
     uint64_t identifier() const { return _identifier; }
 

@@ -14,18 +14,19 @@ constexpr double rankOverview = 1e6;
 constexpr double rankDestination = 2e6;
 constexpr double rankMargin = 3e6;
 
-// Device pixels around the view for which tiles are got ahead.
-constexpr int margin = MKTileKey::side / 2;
+// Device pixels around the view for which tiles are got ahead: a part of the view, and so many at most.
+constexpr int widestMargin = MKTileKey::side / 2, viewsInMargin = 4;
 // Tiles of scales so many times finer than the view's cover too little to be worth keeping.
 constexpr double finestScaleOfUse = 8;
-// The overview: the whole world so many pixels wide.
-constexpr double overviewScale = 1024 / MKWorldSide;
+// The overview: the whole world in one tile.
+constexpr double overviewScale = MKTileKey::side / MKWorldSide;
 
 PixelRect wholeOf(const MKPixelView& view) {
     return {0, 0, view.width, view.height};
 }
 
 PixelRect withMargin(const MKPixelView& view) {
+    const int margin = std::min(std::max(view.width, view.height) / viewsInMargin, widestMargin);
     return {-margin, -margin, view.width + 2 * margin, view.height + 2 * margin};
 }
 
@@ -45,6 +46,7 @@ void MKTileLayer::setSource(std::shared_ptr<const MKTileSource> source) {
     _source = std::move(source);
     _failed.clear();
     _isStale = true;
+    _showsWorldAlone = false;
 }
 
 void MKTileLayer::forgetFailures() {
@@ -54,6 +56,20 @@ void MKTileLayer::forgetFailures() {
 
 MKTileKey MKTileLayer::keyFor(double scale, int32_t column, int32_t row) const {
     return {_source->identifier(), _scene->mapType, scale, _scene->deviceScale, column, row, shownStyle()};
+}
+
+// What is said of the tiles that are there holds until those that are missing have come: names do not come and go with
+// every move.
+bool MKTileLayer::showsWorldAlone() {
+    if (!isWaiting()) {
+        const double scale = neededScale();
+        const auto tiles = tilesInArea(scale, _view, wholeOf(_view));
+        _showsWorldAlone = std::all_of(tiles.begin(), tiles.end(), [&](const MKPlacedTile& placed) {
+            const auto held = _held.find(keyFor(scale, placed.column, placed.row));
+            return held != _held.end() && held->second->quality().isWorldAlone;
+        });
+    }
+    return _showsWorldAlone;
 }
 
 UIUserInterfaceStyle MKTileLayer::shownStyle() const {

@@ -49,6 +49,9 @@ public:
 
     /// True while the scene lacks tiles that may still come.
     bool isWaiting() const { return _missing > 0; }
+    /// True when, as far as all was there the last time, the source had nothing of the scene, and the world is shown in
+    /// its place.
+    bool showsWorldAlone();
     /// Lets failed tiles be asked for again with the next scene.
     void forgetFailures();
 
@@ -82,6 +85,7 @@ private:
     std::vector<MKWantedTile> _wanted;
     size_t _missing = 0;
     bool _failedInScene = false;
+    bool _showsWorldAlone = false;
     bool _isStale = true; // something has changed since the scene was set
 };
 

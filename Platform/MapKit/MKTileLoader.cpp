@@ -4,13 +4,17 @@
 #include "Platform/MapKit/ImageTiles/MKImageTilePlanner.h"
 
 #include <algorithm>
+#include <thread>
 #include <tuple>
 
 namespace veyra {
 
 namespace {
 
-constexpr unsigned workerCount = 2;
+// As many as there are processors, within reason.
+unsigned workerCount() {
+    return std::clamp(std::thread::hardware_concurrency(), 2u, 4u);
+}
 
 } // namespace
 
@@ -20,7 +24,7 @@ MKTileLoader& MKTileLoader::shared() {
 }
 
 MKTileLoader::MKTileLoader()
-    : _cache(cacheBytes), _workers(*new MKTileWorkers(workerCount, [this](MKTileResult result) {
+    : _cache(cacheBytes), _workers(*new MKTileWorkers(workerCount(), [this](MKTileResult result) {
           dispatch_async(dispatch_get_main_queue(), [this, result = std::move(result)] { take(result); });
       })) {
     MKImageLoader::shared().setChangeHandler([this] { submitJobs(); });

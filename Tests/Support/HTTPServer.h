@@ -6,6 +6,8 @@
 
 #include <map>
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace veyra::test {
 

@@ -53,8 +53,8 @@ void LoopbackServer::start() {
 void LoopbackServer::stop() {
     _stopping = true;
     _thread.join();
-    for (std::thread& connection : _connections)
-        connection.join();
+    while (_connections > 0)
+        std::this_thread::yield();
 }
 
 void LoopbackServer::run() {
@@ -62,8 +62,13 @@ void LoopbackServer::run() {
         if (!isReady(_socket))
             continue;
         const int connection = accept4(_socket, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection >= 0)
-            _connections.emplace_back([this, connection] { serve(connection); });
+        if (connection < 0)
+            continue;
+        ++_connections;
+        std::thread([this, connection] {
+            serve(connection);
+            --_connections;
+        }).detach();
     }
 }
 

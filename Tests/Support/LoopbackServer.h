@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 namespace veyra::test {
 
@@ -45,7 +44,7 @@ private:
     const unsigned _port;
     std::atomic<bool> _stopping{false};
     std::atomic<size_t> _abandoned{0};
-    std::vector<std::thread> _connections; // of the accepting thread, until it has ended
+    std::atomic<int> _connections{0}; // each has a thread
     std::thread _thread;
 };
 

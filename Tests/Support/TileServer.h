@@ -7,6 +7,8 @@
 
 #include <functional>
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace veyra::test {
 

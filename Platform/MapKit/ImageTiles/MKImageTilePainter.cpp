@@ -52,10 +52,10 @@ MKImageTilePainter::MKImageTilePainter(const MKTileKey& key, int imageSide, cons
     : _key(key), _imageSide(imageSide), _images(images), _world(world) {}
 
 std::shared_ptr<const MKTile> MKImageTilePainter::draw() const {
-    const bool isFinal = !_images.isWaiting && _images.failure.empty();
-    if (_images.pieces.empty() && isFinal) {
-        return _world.drawTile(_key);
+    if (_images.pieces.empty()) {
+        return drawWorldAlone();
     }
+    const bool isFinal = !_images.isWaiting && _images.failure.empty();
     cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, MKTileKey::side, MKTileKey::side);
     auto tile = std::make_shared<const MKTile>(
         _key, surface,
@@ -73,6 +73,15 @@ std::shared_ptr<const MKTile> MKImageTilePainter::draw() const {
     }
     cairo_destroy(cairo);
     return tile;
+}
+
+std::shared_ptr<const MKTile> MKImageTilePainter::drawWorldAlone() const {
+    const MKTileQuality quality{.isFinal = !_images.isWaiting && _images.failure.empty(),
+                                .coarseness = _images.coarseness,
+                                .isWorldAlone = true};
+    const auto tile = _world.drawTile(_key);
+    return tile->surface() ? std::make_shared<const MKTile>(_key, cairo_surface_reference(tile->surface()), quality)
+                           : std::make_shared<const MKTile>(_key, tile->color(), quality);
 }
 
 bool MKImageTilePainter::needsWorld() const {
@@ -95,9 +104,6 @@ void MKImageTilePainter::drawWorld(cairo_t* cairo) const {
 }
 
 void MKImageTilePainter::drawPieces(cairo_t* cairo) const {
-    if (_images.pieces.empty()) {
-        return;
-    }
     const int zoom = _images.pieces.front().place.zoom;
     const MKImageGrid grid(_key, _imageSide, zoom, zoom);
     cairo_surface_t* const mosaic = makeMosaic(grid);

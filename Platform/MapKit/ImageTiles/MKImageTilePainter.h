@@ -27,6 +27,7 @@ public:
     std::shared_ptr<const MKTile> draw() const;
 
 private:
+    std::shared_ptr<const MKTile> drawWorldAlone() const;
     bool needsWorld() const;
     void drawWorld(cairo_t* cairo) const;
     void drawPieces(cairo_t* cairo) const;

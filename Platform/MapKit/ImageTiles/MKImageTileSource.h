@@ -26,6 +26,7 @@ public:
     MKTileColor darkBackgroundColor(MKMapType mapType) const override { return _world->darkBackgroundColor(mapType); }
     /// Images bring their own names.
     const BasemapNames* names(MKMapType mapType) const override;
+    const BasemapNames* namesOfWorldAlone(MKMapType mapType) const override { return _world->names(mapType); }
 
 private:
     const Sets _sets;

@@ -131,6 +131,16 @@ uint32_t MapTest::pixelAt(int x, int y) const {
     return reinterpret_cast<const uint32_t*>(row)[x] & 0xffffff;
 }
 
+std::vector<uint32_t> MapTest::pixels() const {
+    std::vector<uint32_t> found;
+    for (int y = 0; y < window->pixelHeight(); ++y) {
+        for (int x = 0; x < window->pixelWidth(); ++x) {
+            found.push_back(pixelAt(x, y));
+        }
+    }
+    return found;
+}
+
 uint32_t MapTest::pixelAt(CLLocationCoordinate2D coordinate) const {
     const MKMapRect visible = map->visibleMapRect();
     const MKMapPoint point = MKMapPointForCoordinate(coordinate);

@@ -67,6 +67,8 @@ protected:
     void show(CGSize size = {400, 300}, double scale = 1);
     uint32_t pixelAt(int x, int y) const;
     uint32_t pixelAt(CLLocationCoordinate2D coordinate) const;
+    /// Row by row.
+    std::vector<uint32_t> pixels() const;
 
     void touch(int64_t identifier, UITouchPhase phase, CGPoint at, UITouchType type = UITouchType::Direct);
     void scroll(CGPoint at, double deltaY, bool pinches = false);

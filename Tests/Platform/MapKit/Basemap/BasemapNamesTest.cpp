@@ -187,6 +187,13 @@ TEST(BuiltInNames, AreWhereTheyBelong) {
     }
 }
 
+TEST(BuiltInNames, DoNotPutAntarcticaUponTheSidesOfTheSquare) {
+    const BasemapName* const name = find("Antarctica", BasemapNameKind::Territory);
+    ASSERT_NE(name, nullptr);
+    EXPECT_GT(name->y, mapPoint(-70, 0).y);
+    EXPECT_LT(name->y, mapPoint(-83, 0).y);
+}
+
 TEST(BuiltInNames, KnowCapitalsAndWriteNamesOut) {
     int capitals = 0;
     for (const BasemapName& name : builtInNames().all()) {

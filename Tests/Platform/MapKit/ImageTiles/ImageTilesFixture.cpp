@@ -26,16 +26,20 @@ ImageTilesTest::~ImageTilesTest() {
     forgetMemory();
 }
 
-void ImageTilesTest::useServer(MKImageSetProperties properties, const std::string& pattern) {
+void ImageTilesTest::useServer(MKImageSetProperties properties, const std::string& pattern,
+                               const std::shared_ptr<const MKTileSource>& world) {
     // Blocks of the work queue may use it after the test.
     static auto* const disks = new std::vector<std::unique_ptr<MKImageDisk>>;
     disks->push_back(std::make_unique<MKImageDisk>(folder / "cache"));
     useSet(std::make_shared<MKWebImageSet>(MKTileAddress(server->origin() + pattern), std::move(properties),
-                                           *disks->back()));
+                                           *disks->back()),
+           world);
 }
 
-void ImageTilesTest::useSet(const std::shared_ptr<const MKImageSet>& set) {
-    map->setTileSource(std::make_shared<MKImageTileSource>(MKImageTileSource::Sets{{MKMapTypeStandard, set}}, source));
+void ImageTilesTest::useSet(const std::shared_ptr<const MKImageSet>& set,
+                            const std::shared_ptr<const MKTileSource>& world) {
+    map->setTileSource(
+        std::make_shared<MKImageTileSource>(MKImageTileSource::Sets{{MKMapTypeStandard, set}}, world ? world : source));
 }
 
 void ImageTilesTest::showTile(int zoom, int column, int row) {

@@ -14,9 +14,12 @@ protected:
     ImageTilesTest();
     ~ImageTilesTest() override;
 
-    /// Gives the map the server's tiles, under an address that no other test uses, with `source` in place of the world.
-    void useServer(MKImageSetProperties properties = {}, const std::string& pattern = "/{z}/{x}/{y}.png");
-    void useSet(const std::shared_ptr<const MKImageSet>& set);
+    /// Gives the map the server's tiles, under an address that no other test uses, and the world, or `source` in its
+    /// place.
+    void useServer(MKImageSetProperties properties = {}, const std::string& pattern = "/{z}/{x}/{y}.png",
+                   const std::shared_ptr<const MKTileSource>& world = nullptr);
+    void useSet(const std::shared_ptr<const MKImageSet>& set,
+                const std::shared_ptr<const MKTileSource>& world = nullptr);
     /// Shows the map at a zoom, at which a tile of the server has 256 device pixels, with the corner of that tile at
     /// the view's top left.
     void showTile(int zoom, int column, int row);

@@ -75,7 +75,7 @@ TEST_F(ImageTilesServer, WhatHasLeftTheViewIsCancelled) {
 TEST_F(ImageTilesServer, AMapThatGoesCancelsItsRequests) {
     server->setHandler([](const TileRequest&) { return TileAnswer{.body = {}, .fields = {}, .delay = 1000}; });
     useServer();
-    window->setSize({512, 512}, 1);
+    window->setSize({1024, 1024}, 1);
     framesUntil([&] { return server->count() == 6; });
     window.reset();
     host.reset();
@@ -216,6 +216,64 @@ TEST_F(ImageTilesServer, ASlipIsTriedAgainAfterAWhile) {
     ASSERT_EQ(times.size(), 3u);
     EXPECT_GE(times[1] - times[0], std::chrono::milliseconds(390));
     EXPECT_GE(times[2] - times[1], std::chrono::milliseconds(790)) << "the second pause is longer";
+}
+
+TEST_F(ImageTilesServer, AServerThatAsksForPatienceIsLeftAloneForSoLong) {
+    std::vector<std::chrono::steady_clock::time_point> times;
+    std::mutex mutex;
+    server->setHandler([&](const TileRequest& request) {
+        const std::lock_guard guard(mutex);
+        times.push_back(std::chrono::steady_clock::now());
+        TileAnswer answer = times.size() == 1 ? status("429 Too Many Requests") : coloredTile(request);
+        answer.fields = times.size() == 1 ? "Retry-After: 1\r\n" : "";
+        return answer;
+    });
+    useServer({.maximumZoom = 0, .attribution = {}});
+    window->setSize({256, 256}, 1);
+    settle();
+    EXPECT_EQ(delegate->loadingCalls(), (Calls{"willStart", "didFinish"}));
+    ASSERT_EQ(times.size(), 2u);
+    EXPECT_GE(times[1] - times[0], std::chrono::milliseconds(990));
+}
+
+TEST_F(ImageTilesServer, AServerThatAsksForLongPatienceFailsAtOnce) {
+    TileAnswer wait = status("503 Service Unavailable");
+    wait.fields = "Retry-After: 3600\r\n";
+    answer(wait);
+    useServer({.maximumZoom = 0, .attribution = {}});
+    const auto start = std::chrono::steady_clock::now();
+    window->setSize({256, 256}, 1);
+    settle();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_EQ(delegate->loadingCalls(), (Calls{"willStart", "didFail MKErrorDomain"}));
+    EXPECT_EQ(server->count(), 1u);
+}
+
+TEST_F(ImageTilesServer, RedirectionsAreFollowed) {
+    server->setHandler([](const TileRequest& request) {
+        TileAnswer answer = coloredTile({});
+        if (request.path != "/elsewhere") {
+            answer = {.status = "302 Found", .body = "", .fields = "Location: /elsewhere\r\n"};
+        }
+        return answer;
+    });
+    useServer({.maximumZoom = 0, .attribution = {}});
+    show({256, 256});
+    EXPECT_EQ(pixelAt(128, 128), tileColor(0, 0, 0));
+}
+
+TEST_F(ImageTilesServer, RedirectionsWithoutEndAndOutOfTheNetworkFail) {
+    answer({.status = "302 Found", .body = "", .fields = "Location: /again\r\n"});
+    useServer({.maximumZoom = 0, .attribution = {}});
+    window->setSize({256, 256}, 1);
+    settle();
+    EXPECT_EQ(loggedReason(), "it leads from one address to the next without end");
+    answer({.status = "302 Found", .body = "", .fields = "Location: file:///etc/hostname\r\n"});
+    useServer({.maximumZoom = 0, .attribution = {}}, "/other/{z}/{x}/{y}.png");
+    settle();
+    ASSERT_EQ(log.lines().size(), 2u);
+    EXPECT_TRUE(log.lines()[1].ends_with("it leads to an address of another kind")) << log.lines()[1];
+    EXPECT_EQ(pixelAt(128, 128), world);
 }
 
 TEST_F(ImageTilesServer, WhatFailedIsLeftAloneForAWhileHoweverTheMapMoves) {

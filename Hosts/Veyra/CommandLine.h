@@ -28,7 +28,7 @@ struct CommandLine {
     GeolocationPolicy geolocation = GeolocationPolicy::Ask;
     LocationTrack location;   ///< where the user is said to be; empty: what the system knows
     double locationSpeed = 1; ///< seconds of the track a second
-    std::string tileSources;       ///< the setting of VEYRA_SOURCES; empty: as the environment has it
+    std::string tileSources;  ///< the setting of VEYRA_SOURCES; empty: as the environment has it
 };
 
 /// The command line, or how the program ends at once: after help or version, and after a message on standard error

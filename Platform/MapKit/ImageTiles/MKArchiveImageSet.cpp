@@ -2,7 +2,6 @@
 
 #include "Platform/Foundation/WorkQueue.h"
 
-
 #include <algorithm>
 
 namespace veyra {

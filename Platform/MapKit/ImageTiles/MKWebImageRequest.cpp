@@ -176,26 +176,27 @@ void MKWebImageRequest::take(MKStoredImage answer, const MKImageFreshness& fresh
     _timer.cancel();
     answer.freshUntil = freshness.freshUntil;
     answer.mayUseStale = freshness.mayUseStale;
-    dispatch_async(dispatch_get_global_queue(), [weak = weak_from_this(), url = _url, &disk = _disk, answer = std::move(answer), freshness] {
-        MKImageResult result;
-        result.freshUntil = freshness.freshUntil;
-        std::string problem;
-        try {
-            result.image = decodeTileImage(answer.bytes);
-        } catch (const MKTileImageError& error) {
-            problem = error.what();
-        }
-        if (result.image && freshness.mayStore) {
-            disk.insert(url, answer);
-        } else {
-            disk.remove(url);
-        }
-        dispatch_async(dispatch_get_main_queue(), [weak, result = std::move(result), problem] {
-            if (const auto self = weak.lock()) {
-                problem.empty() ? self->end(result) : self->fail(problem, false);
-            }
-        });
-    });
+    dispatch_async(dispatch_get_global_queue(),
+                   [weak = weak_from_this(), url = _url, &disk = _disk, answer = std::move(answer), freshness] {
+                       MKImageResult result;
+                       result.freshUntil = freshness.freshUntil;
+                       std::string problem;
+                       try {
+                           result.image = decodeTileImage(answer.bytes);
+                       } catch (const MKTileImageError& error) {
+                           problem = error.what();
+                       }
+                       if (result.image && freshness.mayStore) {
+                           disk.insert(url, answer);
+                       } else {
+                           disk.remove(url);
+                       }
+                       dispatch_async(dispatch_get_main_queue(), [weak, result = std::move(result), problem] {
+                           if (const auto self = weak.lock()) {
+                               problem.empty() ? self->end(result) : self->fail(problem, false);
+                           }
+                       });
+                   });
 }
 
 void MKWebImageRequest::fallBack(const std::string& reason, bool mayPass) {

@@ -77,8 +77,9 @@ Bridge::Bridge() : global(JSGlobalContextCreate(nullptr)), probe(std::make_share
 
 Bridge::~Bridge() {
     // What a test has made of absent keys ends with it.
-    class_replaceMethod(WebScriptObject::classObject(), "valueForUndefinedKey:",
-                        NSObject::classObject()->implementation("valueForUndefinedKey:"), "@@:@");
+    class_replaceMethod(WebScriptObject::classObject(),
+                        "valueForUndefinedKey:", NSObject::classObject()->implementation("valueForUndefinedKey:"),
+                        "@@:@");
     currentProbe = nullptr;
     probe = nullptr;
     if (context)

@@ -26,7 +26,7 @@ private:
     size_t bytesAfter(const std::string& call) {
         run(call);
         settle();
-        for (int frame = 0; frame < 5; ++frame) {
+        for (int i = 0; i < 5; ++i) {
             onMain([&] { instance().window()->drawFrame(_now += 1); });
             settle();
         }

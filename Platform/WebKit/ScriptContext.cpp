@@ -130,7 +130,7 @@ void ScriptContext::invalidate() {
         return;
     const auto self = shared_from_this();
     _alive = false;
-    _helpers.setStopped(true);
+    _helpers.end();
     if (lastFound == this)
         lastFound = nullptr;
     const auto found = registry().find(_context);

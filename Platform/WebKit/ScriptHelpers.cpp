@@ -28,6 +28,19 @@ double kindNumber(Class cls) {
     return static_cast<double>(index + 1);
 }
 
+/// A context that is no page's, one for all pages of a virtual machine: what is protected in it keeps no page alive.
+std::shared_ptr<OpaqueJSContext> contextOfNoPage(JSContextRef page) {
+    static auto* const contexts = new std::unordered_map<JSContextGroupRef, std::weak_ptr<OpaqueJSContext>>;
+    const JSContextGroupRef group = JSContextGetGroup(page);
+    std::weak_ptr<OpaqueJSContext>& known = (*contexts)[group];
+    auto context = known.lock();
+    if (!context) {
+        context.reset(JSGlobalContextCreateInGroup(group, nullptr), JSGlobalContextRelease);
+        known = context;
+    }
+    return context;
+}
+
 std::string quoted(const NSString& name) {
     return '"' + name.utf8() + '"';
 }
@@ -92,8 +105,7 @@ JSObjectRef ScriptHelpers::made(JSValueRef value) const {
     return JSValueToObject(_context.globalContext(), value, nullptr);
 }
 
-JSObjectRef ScriptHelpers::makeArray(size_t count, double*& numbers) {
-    const JSContextRef script = _context.globalContext();
+JSObjectRef ScriptHelpers::makeArray(JSContextRef script, size_t count, double*& numbers) {
     JSObjectRef array = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, count, nullptr);
     if (!array)
         throw std::bad_alloc();
@@ -106,21 +118,23 @@ const ScriptHelpers::Shared& ScriptHelpers::shared() {
         return _shared;
     const JSContextRef script = _context.globalContext();
     Shared fresh;
-    fresh.argumentArray = makeArray(maximumArguments, fresh.arguments);
-    fresh.stopArray = makeArray(1, fresh.stop);
+    fresh.argumentArray = makeArray(script, maximumArguments, fresh.arguments);
+    fresh.stopOwner = contextOfNoPage(script);
+    fresh.stopArray = makeArray(fresh.stopOwner.get(), 1, fresh.stop);
     fresh.valueClass = evaluate(valueClassSource);
     JSStringRef name = JSStringCreateWithUTF8CString("kindOf");
     fresh.kindOf = made(JSObjectGetProperty(script, fresh.valueClass, name, nullptr)); // kept by the class
     JSStringRelease(name);
-    for (JSObjectRef object : {fresh.argumentArray, fresh.stopArray, fresh.valueClass})
+    for (JSObjectRef object : {fresh.argumentArray, fresh.valueClass})
         _context.keep(object);
+    JSValueProtect(fresh.stopOwner.get(), fresh.stopArray);
     return _shared = fresh;
 }
 
 ScriptHelpers::Maker ScriptHelpers::makeMaker(const std::vector<NSString>& names, Class kind) {
     const JSContextRef script = _context.globalContext();
     Maker maker;
-    JSObjectRef array = makeArray(names.size(), maker.numbers);
+    JSObjectRef array = makeArray(script, names.size(), maker.numbers);
     maker.function =
         call(evaluate(makerSource(names)), {shared().valueClass, JSValueMakeNumber(script, kindNumber(kind)), array});
     maker.prototype = made(JSObjectGetPrototype(script, call(maker.function, {}))); // kept by the function
@@ -142,6 +156,15 @@ JSObjectRef ScriptHelpers::makeNumericFunction(const NSString& name, const WebNu
 void ScriptHelpers::setStopped(bool stopped) {
     if (_shared.stop)
         *_shared.stop = stopped;
+}
+
+// The page may be gone with all that it kept, or its script may be running a helper just now.
+void ScriptHelpers::end() {
+    setStopped(true);
+    if (_shared.stopOwner)
+        JSValueUnprotect(_shared.stopOwner.get(), _shared.stopArray);
+    _shared.stopOwner = nullptr;
+    _shared.stop = nullptr;
 }
 
 } // namespace veyra

@@ -68,15 +68,19 @@ public:
 
     /// An array of one number: when it is not 0, the page is not to be read, and a helper that is reading stops.
     JSObjectRef stopArray() { return shared().stopArray; }
-    /// The page has gone, perhaps by what a read of it ran, or is hidden; or is shown again.
+    /// The page is hidden, or shown again.
     void setStopped(bool stopped);
+    /// The page has gone, perhaps by what a read of it ran.
+    void end();
 
 private:
     /// What the helpers of the context have in common.
     struct Shared {
         JSObjectRef valueClass = nullptr; // from which the classes of value objects inherit
         JSObjectRef kindOf = nullptr;     // (object): the kind of one of our value objects, else 0
-        JSObjectRef argumentArray = nullptr, stopArray = nullptr;
+        JSObjectRef argumentArray = nullptr;
+        JSObjectRef stopArray = nullptr; // protected: it is written when the page's own objects may be gone
+        std::shared_ptr<OpaqueJSContext> stopOwner;
         double *arguments = nullptr, *stop = nullptr;
     };
     const Shared& shared();
@@ -84,7 +88,7 @@ private:
     JSObjectRef evaluate(const std::string& source);
     JSObjectRef call(JSObjectRef function, std::initializer_list<JSValueRef> arguments);
     JSObjectRef made(JSValueRef value) const;
-    JSObjectRef makeArray(size_t count, double*& numbers);
+    static JSObjectRef makeArray(JSContextRef script, size_t count, double*& numbers);
 
     ScriptContext& _context;
     Shared _shared;

@@ -136,8 +136,8 @@ int main(int argc, char** argv) {
     gtk_init(&argc, &argv);
     ScreenFrames screen(display.folder());
     const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html", what = argc > 1 ? argv[1] : "";
-    if (what == "--side-by-side" && argc == 3) {
-        measureSideBySide(screen, argv[2]);
+    if (what == "--side-by-side" && argc > 2) {
+        measureSideBySide(screen, argv[2], {argv + 3, argv + argc});
         return 0;
     }
     if (what == "--conversions") {
@@ -149,7 +149,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (!what.empty()) {
-        std::cerr << "usage: bench-pages [--conversions | --side-by-side FOLDER-OF-NODE-MODULES]\n";
+        std::cerr << "usage: bench-pages [--conversions | --side-by-side FOLDER-OF-NODE-MODULES [MAP...]]\n";
         return 2;
     }
     measureMemory(page, 300, 150);

@@ -3,6 +3,7 @@
 #include "Benchmarks/Pages/LibraryServer.h"
 #include "Benchmarks/Pages/Measurements.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -49,7 +50,7 @@ void measure(ScreenFrames& screen, const Map& map) {
 
 } // namespace
 
-void measureSideBySide(ScreenFrames& screen, const std::string& modules) {
+void measureSideBySide(ScreenFrames& screen, const std::string& modules, const std::vector<std::string>& names) {
     const LibraryServer server(modules);
     const Map maps[] = {
         {"Veyra", "file://" VEYRA_BENCHMARK_PAGES "/map.html", true},
@@ -59,7 +60,8 @@ void measureSideBySide(ScreenFrames& screen, const std::string& modules) {
         {"MapLibre GL JS", server.url("maplibre.html"), false, false},
     };
     for (const Map& map : maps)
-        measure(screen, map);
+        if (names.empty() || std::find(names.begin(), names.end(), map.name) != names.end())
+            measure(screen, map);
 }
 
 } // namespace veyra::benchmark

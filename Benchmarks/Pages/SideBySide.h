@@ -2,12 +2,14 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace veyra::benchmark {
 
 class ScreenFrames;
 
-/// `modules` is the folder in which npm has put leaflet, ol and maplibre-gl. Takes some ten minutes.
-void measureSideBySide(ScreenFrames& screen, const std::string& modules);
+/// `modules` is the folder in which npm has put leaflet, ol and maplibre-gl; `names` are those of the maps that are
+/// measured, none for all, which takes some ten minutes.
+void measureSideBySide(ScreenFrames& screen, const std::string& modules, const std::vector<std::string>& names);
 
 } // namespace veyra::benchmark

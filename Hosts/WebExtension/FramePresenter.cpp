@@ -17,25 +17,15 @@ double monotonicSeconds() {
 // One drawing on its way over the main queue and back.
 struct FramePresenter::Drawing {
     std::shared_ptr<UIWindow> window;
-    std::shared_ptr<PixelBuffers> buffers;
-    std::shared_ptr<SurfaceScript::Hold> hold;
-    int index;
     // The results.
-    std::vector<PixelRect> changes;
+    Picture picture;
     bool needsAnotherFrame = false;
-    int missingWidth = 0, missingHeight = 0; // nothing is drawn: arrays of that size are needed first
-    double scale = 1;
 
     void run() {
-        if (!buffers || !buffers->fits(*window)) {
-            missingWidth = window->pixelWidth();
-            missingHeight = window->pixelHeight();
-            scale = window->scale();
-            return;
-        }
-        changes = buffers->draw(*window, index, monotonicSeconds());
+        picture.changes = window->drawFrame(monotonicSeconds());
+        picture.store = window->store();
         needsAnotherFrame = window->needsFrame();
-        if (!changes.empty())
+        if (!picture.changes.empty())
             ++frameStatistics().drawn;
     }
 };
@@ -119,9 +109,9 @@ void FramePresenter::advance() {
         if (_newAccessibilityState)
             _surface.setAccessibilityState(*_newAccessibilityState);
         _newAccessibilityState.reset();
-        if (_isWanted && !_isDrawing && _hadFrameSinceDrawing)
+        if (_isWanted && !_isDrawing && !_picture && _hadFrameSinceDrawing)
             startDrawing();
-        if ((_isDrawing || _isReady) && !_isFrameRequested) {
+        if ((_isDrawing || _picture) && !_isFrameRequested) {
             _isFrameRequested = true;
             _surface.requestFrame();
         }
@@ -136,68 +126,48 @@ void FramePresenter::startDrawing() {
     _hadFrameSinceDrawing = false;
     const auto drawing = std::make_shared<Drawing>();
     drawing->window = _window;
-    drawing->buffers = _buffers;
-    drawing->hold = _surface.hold();
-    drawing->index = 1 - _frontIndex;
     dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), drawing]() mutable {
         runGuarded("drawing a frame", [&] { drawing->run(); });
-        // Moved on, so that the arrays are let go on the web thread.
         webThread().async([weak, finished = std::move(drawing)] {
             if (const auto self = weak.lock())
                 self->finishDrawing(*finished);
-            finished->hold = nullptr;
         });
     });
 }
 
-void FramePresenter::finishDrawing(const Drawing& drawing) {
+void FramePresenter::finishDrawing(Drawing& drawing) {
     _isDrawing = false;
     if (!_surface.isAttached())
         return;
-    if (drawing.missingWidth > 0 && drawing.missingHeight > 0) {
-        _isWanted = true;
-        if (isShown())
-            allocate(drawing);
-    } else if (!drawing.changes.empty()) {
-        _isReady = true;
-        _frontIndex = drawing.index;
-        for (const PixelRect& rect : drawing.changes)
-            _readyRects.add(rect);
+    if (!drawing.picture.changes.empty() && drawing.picture.store) {
+        _picture = std::move(drawing.picture);
+        if (_lastStore.lock() != _picture->store)
+            _picture->changes = {_picture->store->bounds()};
+        _lastStore = _picture->store;
     }
     if (drawing.needsAnotherFrame)
         _isWanted = true;
     advance();
 }
 
-void FramePresenter::allocate(const Drawing& drawing) {
-    _isReady = false;
-    _readyRects.clear();
+const FramePresenter::Picture* FramePresenter::animationFrame() {
+    _isFrameRequested = false;
+    if (_picture && _surface.isAttached())
+        return &*_picture;
     _hadFrameSinceDrawing = true;
-    _buffers = _surface.allocate(drawing.missingWidth, drawing.missingHeight, drawing.scale);
-    if (!_buffers) {
-        _isWanted = false;
-        NSLog("No memory for a map of %f × %f pixels",
-              {static_cast<double>(drawing.missingWidth), static_cast<double>(drawing.missingHeight)});
-    }
+    advance();
+    return nullptr;
 }
 
-std::vector<int> FramePresenter::animationFrame() {
-    _isFrameRequested = false;
+void FramePresenter::framePut() {
+    _picture.reset();
     _hadFrameSinceDrawing = true;
-    std::vector<int> put;
-    if (_isReady && _surface.isAttached()) {
-        put.push_back(_frontIndex);
-        for (const PixelRect& rect : _readyRects.take())
-            put.insert(put.end(), {rect.x, rect.y, rect.width, rect.height});
-        _isReady = false;
-        ++frameStatistics().put;
-    }
+    ++frameStatistics().put;
     advance();
-    return put;
 }
 
 bool FramePresenter::isSettled() const {
-    return !isShown() || (!_isWanted && !_isDrawing && !_isReady);
+    return !isShown() || (!_isWanted && !_isDrawing && !_picture);
 }
 
 } // namespace veyra

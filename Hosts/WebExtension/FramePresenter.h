@@ -1,14 +1,16 @@
 // Brings a map's frames from its window to its canvas. The window says that it needs a frame; the frame is drawn on the
-// main queue into one of two pixel arrays, at most one drawing an animation frame of the page, while the page may be
-// putting the other on the canvas; the next animation frame puts what is drawn. While nothing changes, nothing is
-// requested.
+// main queue into the window's store, and the next animation frame of the page puts what has changed on the canvas.
+// Until it has, nothing is drawn: the store is the drawing's or the canvas', never both's. While nothing changes,
+// nothing is requested.
 //
 // Web thread only. Owned by its MapElement; drawings on their way keep what they need.
 #pragma once
 
 #include "Hosts/WebExtension/SurfaceScript.h"
 
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace veyra {
 
@@ -31,9 +33,18 @@ public:
     /// The page is shown again; an animation frame that it was asked for may have been lost.
     void resume() { _isFrameRequested = false; }
 
-    /// What the animation frame that was asked for must put: the array's index, then x, y, width, height of each
-    /// rectangle in device pixels; empty when there is nothing.
-    std::vector<int> animationFrame();
+    /// A picture and what of it is not on the canvas.
+    struct Picture {
+        std::shared_ptr<const UIWindowStore> store;
+        std::vector<PixelRect> changes;
+    };
+    /// The animation frame that was asked for has come: what it must put on the canvas before it calls `framePut`, or
+    /// null when there is nothing.
+    const Picture* animationFrame();
+    /// What waits to be put or is being put; null when nothing is.
+    const Picture* picture() const { return _picture ? &*_picture : nullptr; }
+    /// The picture is on the canvas.
+    void framePut();
 
     /// True when no frame is wanted, being drawn or waiting to be put; also when nobody can see the map.
     bool isSettled() const;
@@ -46,13 +57,11 @@ private:
     void frameWanted();
     void advance();
     void startDrawing();
-    void finishDrawing(const Drawing& drawing);
-    void allocate(const Drawing& drawing);
+    void finishDrawing(Drawing& drawing);
 
     const std::shared_ptr<UIWindow> _window; // main queue only
     const std::function<void()> _settled;
     SurfaceScript _surface;
-    std::shared_ptr<PixelBuffers> _buffers;                     // main queue only
     std::optional<UICaption> _newCaption;                       // that the page has not been given
     std::optional<UIAccessibilityState> _newAccessibilityState; // likewise
     CGSize _size;
@@ -62,10 +71,9 @@ private:
     bool _isWanted = false;
     bool _isDrawing = false;
     bool _isFrameRequested = false;
-    bool _hadFrameSinceDrawing = true; // one drawing an animation frame
-    int _frontIndex = 0;               // the array that waits to be put or was put last; the other one is drawn into
-    bool _isReady = false;             // it waits
-    DamageList _readyRects;            // what must be put of it
+    bool _hadFrameSinceDrawing = true;             // one drawing an animation frame
+    std::optional<Picture> _picture;               // that waits to be put
+    std::weak_ptr<const UIWindowStore> _lastStore; // of which all that the canvas lacks is known
 };
 
 } // namespace veyra

@@ -73,6 +73,7 @@
             surfaces.get(entry.target)?.intersected(entry.isIntersecting);
     }, { rootMargin: '50%' });
     const surfaces = new WeakMap(); // surface elements to maps
+    let stamp = null; // an image with which pictures come to their canvases, a piece at a time that the cache holds
 
     class MapSurface {
         constructor(element) {
@@ -82,14 +83,17 @@
             this.intersecting = null; // likewise
             this.placing = false;
             this.isRestoring = false;
-            this.images = null;
-            this.scale = 1;
             this.clicked = () => {}; // called with the point of the canvas where the user has clicked
             this.watch = null; // the number of the geolocation watch that runs
             this.animate = () => {
-                const changes = host.animationFrame(this.handle);
-                if (changes)
-                    this.put(changes);
+                const picture = host.animationFrame(this.handle);
+                if (!picture)
+                    return;
+                try {
+                    this.put(picture);
+                } finally {
+                    host.framePut(this.handle);
+                }
             };
 
             // It takes input in the whole of its surface from the start, and has its own size from its first picture on.
@@ -217,18 +221,6 @@
             this.watch = null;
         }
 
-        // Called by the native side: makes the two images of that size in device pixels; null when there is no memory.
-        allocate(width, height, scale) {
-            try {
-                this.images = [new ImageData(width, height), new ImageData(width, height)];
-            } catch {
-                this.images = null;
-                return null;
-            }
-            this.scale = scale;
-            return this.images.map((image) => image.data);
-        }
-
         // Called by the native side. What stands in a canvas is not seen, but read and reached by the keyboard; the text is
         // painted in the rectangle.
         setCaption(text, url, x, y, width, height) {
@@ -265,17 +257,30 @@
             this.elements.replaceChildren(...buttons);
         }
 
-        // `changes` is the image's index, then x, y, width and height of each rectangle.
-        put(changes) {
-            const image = this.images[changes[0]];
-            if (this.canvas.width !== image.width || this.canvas.height !== image.height) {
-                this.canvas.width = image.width;
-                this.canvas.height = image.height;
+        // `picture` is its width and height in pixels, the pixels a point, then x, y, width and height of each rectangle
+        // that has changed.
+        put([width, height, scale, ...changes]) {
+            const { canvas } = this;
+            if (canvas.width !== width || canvas.height !== height) {
+                canvas.width = width;
+                canvas.height = height;
             }
-            this.canvas.style.width = image.width / this.scale + 'px';
-            this.canvas.style.height = image.height / this.scale + 'px';
-            for (let i = 1; i < changes.length; i += 4)
-                this.context.putImageData(image, 0, 0, changes[i], changes[i + 1], changes[i + 2], changes[i + 3]);
+            canvas.style.width = width / scale + 'px';
+            canvas.style.height = height / scale + 'px';
+            for (let i = 0; i < changes.length; i += 4)
+                this.putRect(changes[i], changes[i + 1], changes[i + 2], changes[i + 3]);
+        }
+
+        putRect(x, y, width, height) {
+            stamp ??= new ImageData(512, 256);
+            for (let top = 0; top < height; top += stamp.height) {
+                const rows = Math.min(stamp.height, height - top);
+                for (let left = 0; left < width; left += stamp.width) {
+                    const columns = Math.min(stamp.width, width - left);
+                    host.copyPixels(this.handle, stamp.data, stamp.width, x + left, y + top, columns, rows);
+                    this.context.putImageData(stamp, x + left, y + top, 0, 0, columns, rows);
+                }
+            }
         }
     }
 

@@ -81,17 +81,48 @@ JSValueRef layOut(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, 
     return JSValueMakeUndefined(context);
 }
 
-// animationFrame(handle): what MapSurface.put takes, or undefined when there is nothing to put.
+// animationFrame(handle): what MapSurface.put takes, or undefined when there is nothing to put. When it has been put,
+// framePut follows.
 JSValueRef animationFrame(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
                           JSValueRef*) {
     const auto map = MapElement::fromHandle(context, count ? arguments[0] : nullptr);
-    const auto put = map ? map->presenter().animationFrame() : std::vector<int>();
-    if (put.empty())
+    const auto* const picture = map ? map->presenter().animationFrame() : nullptr;
+    if (!picture)
         return JSValueMakeUndefined(context);
-    std::vector<JSValueRef> values;
-    for (const int number : put)
-        values.push_back(JSValueMakeNumber(context, number));
+    std::vector<JSValueRef> values; // numbers, which no collector takes
+    const auto add = [&](double number) { values.push_back(JSValueMakeNumber(context, number)); };
+    add(picture->store->bounds().width);
+    add(picture->store->bounds().height);
+    add(picture->store->scale());
+    for (const PixelRect& rect : picture->changes) {
+        for (const int number : {rect.x, rect.y, rect.width, rect.height})
+            add(number);
+    }
     return JSObjectMakeArray(context, values.size(), values.data(), nullptr);
+}
+
+// copyPixels(handle, data, imageWidth, x, y, width, height): a part of the picture that is being put comes to the left
+// top of an image's data, which is large enough.
+JSValueRef copyPixels(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+                      JSValueRef*) {
+    const auto map = MapElement::fromHandle(context, count ? arguments[0] : nullptr);
+    const auto* const picture = map && count >= 7 ? map->presenter().picture() : nullptr;
+    if (picture) {
+        JSObjectRef data = JSValueToObject(context, arguments[1], nullptr);
+        const auto number = [&](size_t i) { return static_cast<int>(numberOf(context, arguments[i])); };
+        if (void* const bytes = data ? JSObjectGetTypedArrayBytesPtr(context, data, nullptr) : nullptr)
+            picture->store->copyPixels({number(3), number(4), number(5), number(6)}, static_cast<uint8_t*>(bytes),
+                                       static_cast<size_t>(number(2)) * 4);
+    }
+    return JSValueMakeUndefined(context);
+}
+
+// framePut(handle)
+JSValueRef framePut(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
+                    JSValueRef*) {
+    if (const auto map = MapElement::fromHandle(context, count ? arguments[0] : nullptr))
+        map->presenter().framePut();
+    return JSValueMakeUndefined(context);
 }
 
 // located(handle, latitude, longitude, accuracy, altitude, altitudeAccuracy)
@@ -143,6 +174,8 @@ JSObjectRef makeSurfaceHost(JSContextRef context, const std::shared_ptr<PageFram
     defineFunction(context, host, "stop", stop);
     defineFunction(context, host, "layOut", layOut);
     defineFunction(context, host, "animationFrame", animationFrame);
+    defineFunction(context, host, "copyPixels", copyPixels);
+    defineFunction(context, host, "framePut", framePut);
     defineFunction(context, host, "located", located);
     defineFunction(context, host, "notLocated", notLocated);
     defineFunction(context, host, "pageHidden", pageHidden);

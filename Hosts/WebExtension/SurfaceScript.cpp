@@ -27,28 +27,6 @@ void SurfaceScript::requestFrame() {
     call("requestFrame");
 }
 
-std::shared_ptr<PixelBuffers> SurfaceScript::allocate(int width, int height, double scale) {
-    const JSValueRef made = callMethod(
-        _context, _surface, "allocate",
-        {JSValueMakeNumber(_context, width), JSValueMakeNumber(_context, height), JSValueMakeNumber(_context, scale)});
-    if (!made || !JSValueIsObject(_context, made))
-        return nullptr;
-    std::array<uint8_t*, 2> bytes{};
-    for (unsigned i = 0; i < 2; ++i) {
-        const JSValueRef array =
-            JSObjectGetPropertyAtIndex(_context, JSValueToObject(_context, made, nullptr), i, nullptr);
-        _arrays[i] = JSValueToObject(_context, array, nullptr);
-        bytes[i] = static_cast<uint8_t*>(JSObjectGetTypedArrayBytesPtr(_context, _arrays[i], nullptr));
-        if (!bytes[i])
-            return nullptr;
-    }
-    return std::make_shared<PixelBuffers>(width, height, bytes);
-}
-
-std::shared_ptr<SurfaceScript::Hold> SurfaceScript::hold() const {
-    return std::make_shared<Hold>(_context, _arrays);
-}
-
 void SurfaceScript::setCaption(const UICaption& caption) {
     const auto number = [this](double value) { return JSValueMakeNumber(_context, value); };
     // On the stack: safe from the collector.
@@ -74,21 +52,6 @@ void SurfaceScript::setAccessibilityState(const UIAccessibilityState& state) {
 
 void SurfaceScript::keepAlive(JSObjectRef object) {
     setProperty(_context, _surface, "wrapper", object);
-}
-
-SurfaceScript::Hold::Hold(JSGlobalContextRef context, const std::array<JSObjectRef, 2>& arrays)
-    : _context(context), _arrays(arrays) {
-    for (JSObjectRef array : _arrays) {
-        if (array)
-            JSValueProtect(_context, array);
-    }
-}
-
-SurfaceScript::Hold::~Hold() {
-    for (JSObjectRef array : _arrays) {
-        if (array)
-            JSValueUnprotect(_context, array);
-    }
 }
 
 } // namespace veyra

@@ -3,20 +3,16 @@
 // may be collected without a word.
 #pragma once
 
-#include "Hosts/WebExtension/PixelBuffers.h"
-#include "Platform/UIKit/UIAccessibility.h"
+#include "Platform/UIKit/UIWindow.h"
 
 #include <JavaScriptCore/JavaScript.h>
 
-#include <memory>
+#include <string>
 
 namespace veyra {
 
 class SurfaceScript {
 public:
-    /// Keeps the pixel arrays alive while the drawing side may write to them. Made and destroyed on the web thread.
-    class Hold;
-
     SurfaceScript(JSGlobalContextRef context, JSObjectRef surface) : _context(context), _surface(surface) {}
 
     JSGlobalContextRef context() const { return _context; }
@@ -25,10 +21,6 @@ public:
 
     /// Asks the page for one animation frame.
     void requestFrame();
-    /// Makes pixel arrays of that size for a canvas of `scale` pixels a point; null when there is no memory.
-    std::shared_ptr<PixelBuffers> allocate(int width, int height, double scale);
-    /// Holds the arrays that were allocated last.
-    std::shared_ptr<Hold> hold() const;
     /// Begins and ends to ask the page's geolocation where the user is.
     void startLocating() { call("startLocating"); }
     void stopLocating() { call("stopLocating"); }
@@ -44,19 +36,6 @@ private:
 
     JSGlobalContextRef const _context;
     JSObjectRef _surface;
-    std::array<JSObjectRef, 2> _arrays{}; // kept alive by the surface
-};
-
-class SurfaceScript::Hold {
-public:
-    Hold(JSGlobalContextRef context, const std::array<JSObjectRef, 2>& arrays);
-    ~Hold();
-    Hold(const Hold&) = delete;
-    Hold& operator=(const Hold&) = delete;
-
-private:
-    JSGlobalContextRef const _context; // lives as long as an array of it
-    const std::array<JSObjectRef, 2> _arrays;
 };
 
 } // namespace veyra

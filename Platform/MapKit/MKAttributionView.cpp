@@ -1,7 +1,5 @@
 #include "Platform/MapKit/MKAttributionView.h"
 
-#include "Platform/MapKit/MKQuietText.h"
-
 namespace veyra {
 
 Class MKAttributionView::classObject() {
@@ -15,14 +13,15 @@ void MKAttributionView::setAttribution(const MKTileAttribution& attribution, dou
     }
     _attribution = attribution;
     _maximumWidth = maximumWidth;
-    const CGSize size = attribution.text.empty() ? CGSize() : MKQuietText(attribution.text, maximumWidth).size();
+    _text = attribution.text.empty() ? MKQuietText()
+                                     : MKQuietText(attribution.text, maximumWidth, !attribution.url.empty());
     setHidden(attribution.text.empty());
-    setFrame({frame().origin, size});
+    setFrame({frame().origin, _text.size()});
     setNeedsDisplay();
 }
 
 void MKAttributionView::drawRect(const UIGraphicsContext& context) {
-    MKQuietText(_attribution.text, _maximumWidth, !_attribution.url.empty()).draw(context.cairo, {0, 0});
+    _text.draw(context, {0, 0});
 }
 
 } // namespace veyra

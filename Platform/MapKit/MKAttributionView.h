@@ -1,6 +1,7 @@
 // Says whose data a map shows, underlined when it leads somewhere. Main queue only; owned by its map view.
 #pragma once
 
+#include "Platform/MapKit/MKQuietText.h"
 #include "Platform/MapKit/MKTileAttribution.h"
 #include "Platform/UIKit/UIView.h"
 
@@ -19,6 +20,7 @@ public:
 private:
     MKTileAttribution _attribution;
     double _maximumWidth = 0;
+    MKQuietText _text;
 };
 
 } // namespace veyra

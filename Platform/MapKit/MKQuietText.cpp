@@ -55,12 +55,14 @@ MKQuietText::MKQuietText(std::string text, double maximumWidth, bool isUnderline
              std::ceil(static_cast<double>(extents.height) / PANGO_SCALE) + 2 * rim};
 }
 
-void MKQuietText::draw(cairo_t* cairo, CGPoint origin) const {
+MKQuietText::Surface MKQuietText::makePicture(double scale) const {
+    Surface picture(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(std::ceil(_size.width * scale)),
+                                               static_cast<int>(std::ceil(_size.height * scale))));
+    cairo_t* const cairo = cairo_create(picture.get());
+    cairo_scale(cairo, scale, scale);
+    cairo_translate(cairo, rim, rim);
     const Layout layout = makeLayout(_text, _maximumWidth, _isUnderlined);
-    cairo_save(cairo);
-    cairo_translate(cairo, origin.x + rim, origin.y + rim);
     pango_cairo_update_layout(cairo, layout.get());
-    cairo_new_path(cairo);
     pango_cairo_layout_path(cairo, layout.get());
     cairo_set_line_width(cairo, 2 * rim);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
@@ -68,6 +70,21 @@ void MKQuietText::draw(cairo_t* cairo, CGPoint origin) const {
     cairo_stroke_preserve(cairo);
     setQuietInkColor(cairo);
     cairo_fill(cairo);
+    cairo_destroy(cairo);
+    return picture;
+}
+
+void MKQuietText::draw(const UIGraphicsContext& context, CGPoint origin) const {
+    if (!_picture || _pictureScale != context.scale) {
+        _picture = makePicture(context.scale);
+        _pictureScale = context.scale;
+    }
+    cairo_t* const cairo = context.cairo;
+    cairo_user_to_device(cairo, &origin.x, &origin.y);
+    cairo_save(cairo);
+    cairo_identity_matrix(cairo);
+    cairo_set_source_surface(cairo, _picture.get(), std::round(origin.x), std::round(origin.y));
+    cairo_paint(cairo);
     cairo_restore(cairo);
 }
 

@@ -2,10 +2,11 @@
 // only.
 #pragma once
 
-#include "Platform/UIKit/CGGeometry.h"
+#include "Platform/UIKit/UIView.h"
 
 #include <cairo.h>
 
+#include <memory>
 #include <string>
 
 namespace veyra {
@@ -15,19 +16,29 @@ public:
     static constexpr double fontSize = 10; ///< points
     static constexpr double rim = 1.5;     ///< points
 
+    MKQuietText() = default;
     /// One line, ellipsised at its end when it is wider than `maximumWidth` points.
     MKQuietText(std::string text, double maximumWidth, bool isUnderlined = false);
 
     /// In points, the rim included.
     CGSize size() const { return _size; }
-    /// Draws the text with its corner at `origin`, in user space of points.
-    void draw(cairo_t* cairo, CGPoint origin) const;
+    /// Draws the text with its corner at the pixel nearest to `origin` (points of the view). Its picture is kept for
+    /// the next time.
+    void draw(const UIGraphicsContext& context, CGPoint origin) const;
 
 private:
-    const std::string _text;
-    const double _maximumWidth;
-    const bool _isUnderlined;
+    struct Destroy {
+        void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+    };
+    using Surface = std::unique_ptr<cairo_surface_t, Destroy>;
+    Surface makePicture(double scale) const;
+
+    std::string _text;
+    double _maximumWidth = 0;
+    bool _isUnderlined = false;
     CGSize _size;
+    mutable Surface _picture;
+    mutable double _pictureScale = 0; // device pixels a point
 };
 
 /// The colours of what is drawn so.

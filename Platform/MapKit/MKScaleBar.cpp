@@ -1,7 +1,5 @@
 #include "Platform/MapKit/MKScaleBar.h"
 
-#include "Platform/MapKit/MKQuietText.h"
-
 #include <cairo.h>
 
 #include <algorithm>
@@ -52,9 +50,13 @@ void MKScaleBar::setScale(const MKScale& scale) {
     if (scale.meters == _scale.meters && scale.width == _scale.width) {
         return;
     }
+    if (scale.meters != _scale.meters) {
+        constexpr double anyWidth = 1e4;
+        _text = MKQuietText(scale.text(), anyWidth);
+    }
     _scale = scale;
-    const double width = std::ceil(std::max(scale.width, minimumWidth) + 2 * (line + MKQuietText::rim));
-    setFrame({frame().origin, {width, height}});
+    const double width = std::max(scale.width, minimumWidth) + 2 * (line + MKQuietText::rim);
+    setFrame({frame().origin, {std::ceil(std::max(width, _text.size().width)), height}});
     setNeedsDisplay();
 }
 
@@ -72,8 +74,7 @@ void MKScaleBar::drawRect(const UIGraphicsContext& context) {
     cairo_set_line_width(cairo, line);
     setQuietInkColor(cairo);
     cairo_stroke(cairo);
-    const MKQuietText text(_scale.text(), bounds().size.width);
-    text.draw(cairo, {std::max(inset + (_scale.width - text.size().width) / 2, 0.0), 0});
+    _text.draw(context, {std::max(inset + (_scale.width - _text.size().width) / 2, 0.0), 0});
 }
 
 } // namespace veyra

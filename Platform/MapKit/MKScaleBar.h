@@ -2,7 +2,7 @@
 // map view.
 #pragma once
 
-#include "Platform/UIKit/UIView.h"
+#include "Platform/MapKit/MKQuietText.h"
 
 #include <string>
 
@@ -33,6 +33,7 @@ public:
 
 private:
     MKScale _scale;
+    MKQuietText _text;
 };
 
 } // namespace veyra

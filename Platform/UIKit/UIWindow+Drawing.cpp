@@ -1,6 +1,5 @@
-// Frames: when one is asked for, what moves before it, what is drawn in it, and its pixels.
+// Frames: when one is asked for, what moves before it, and what is drawn in it.
 #include "Platform/Foundation/DispatchQueue.h"
-#include "Platform/UIKit/PixelConversion.h"
 #include "Platform/UIKit/UIWindow.h"
 
 #include <cairo.h>
@@ -135,7 +134,7 @@ void UIWindow::drawDamage(const PixelRect& damage) {
     std::vector<DrawItem> items;
     collectViews(sharedView(), {0, 0}, damage, damage, items);
     if (items.empty() || !items.front().hidesAllBehind) {
-        const Context cairo = contextClippedTo(_surface, damage);
+        const Context cairo = contextClippedTo(surface(), damage);
         cairo_set_source_rgb(cairo.get(), 1, 1, 1);
         cairo_paint(cairo.get());
     }
@@ -161,24 +160,10 @@ void UIWindow::collectViews(const std::shared_ptr<UIView>& view, CGPoint origin,
 void UIWindow::drawItem(const DrawItem& item) const {
     if (!storeRect().contains(item.clip))
         return;
-    const Context cairo = contextClippedTo(_surface, item.clip);
+    const Context cairo = contextClippedTo(surface(), item.clip);
     cairo_scale(cairo.get(), _scale, _scale);
     cairo_translate(cairo.get(), item.origin.x, item.origin.y);
     runGuarded("drawing", [&] { item.view->drawRect({cairo.get(), _scale, item.clip, item.origin}); });
-}
-
-void UIWindow::copyPixels(const PixelRect& rect, uint8_t* target, size_t stride) const {
-    const PixelRect copied = intersection(rect, storeRect());
-    if (copied.isEmpty())
-        return;
-    cairo_surface_flush(_surface);
-    const unsigned char* const source = cairo_image_surface_get_data(_surface);
-    const size_t sourceStride = static_cast<size_t>(cairo_image_surface_get_stride(_surface));
-    for (int y = copied.y; y < copied.maxY(); ++y) {
-        const auto row = static_cast<size_t>(y), column = static_cast<size_t>(copied.x);
-        convertRGB24ToRGBA(reinterpret_cast<const uint32_t*>(source + row * sourceStride) + column,
-                           target + row * stride + 4 * column, static_cast<size_t>(copied.width));
-    }
 }
 
 } // namespace veyra

@@ -4,7 +4,7 @@
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/UIKit/UIGestureEnvironment.h"
 
-#include <cairo.h>
+#include <new>
 
 namespace veyra {
 
@@ -41,10 +41,7 @@ Class UIWindow::classObject() {
 
 UIWindow::UIWindow() : _gestures(std::make_unique<UIGestureEnvironment>()) {}
 
-UIWindow::~UIWindow() {
-    if (_surface)
-        cairo_surface_destroy(_surface);
-}
+UIWindow::~UIWindow() = default;
 
 std::shared_ptr<UIWindow> UIWindow::make() {
     return UIView::make<UIWindow>({});
@@ -77,18 +74,16 @@ void UIWindow::setUserInterfaceStyle(UIUserInterfaceStyle style) {
 }
 
 void UIWindow::makeStore() {
-    if (_surface)
-        cairo_surface_destroy(_surface);
-    _surface = nullptr;
+    _store = nullptr;
     _damage.clear();
     if (!storeRect().isEmpty()) {
-        _surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, _pixelWidth, _pixelHeight);
-        const cairo_status_t status = cairo_surface_status(_surface);
-        if (status == CAIRO_STATUS_SUCCESS)
+        try {
+            _store = std::make_shared<const UIWindowStore>(_pixelWidth, _pixelHeight, _scale);
             return;
-        NSLog("No store for a window: %s", {cairo_status_to_string(status)});
-        cairo_surface_destroy(_surface);
-        _surface = nullptr;
+        } catch (const std::bad_alloc&) {
+            NSLog("No memory for a window of %f × %f pixels",
+                  {static_cast<double>(_pixelWidth), static_cast<double>(_pixelHeight)});
+        }
     }
     _pixelWidth = _pixelHeight = 0;
 }

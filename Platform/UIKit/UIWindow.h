@@ -1,18 +1,17 @@
-// The root of a view tree and its screen: takes the host's size, visibility and input, and draws frames into a store of
-// its own, from which the host copies what changed. Owned by the host. Main queue only, except where said.
+// The root of a view tree and its screen: takes the host's size, visibility and input, and draws frames into a store,
+// from which the host copies what changed. Owned by the host. Main queue only, except where said.
 #pragma once
 
 #include "Platform/UIKit/DamageList.h"
 #include "Platform/UIKit/UIEvent.h"
 #include "Platform/UIKit/UIUserInterfaceStyle.h"
 #include "Platform/UIKit/UIView.h"
+#include "Platform/UIKit/UIWindowStore.h"
 
 #include <atomic>
 #include <functional>
 #include <string>
 #include <vector>
-
-typedef struct _cairo_surface cairo_surface_t;
 
 namespace veyra {
 
@@ -86,12 +85,10 @@ public:
     /// For views: their answer to `isIdle` may have changed.
     void idleStateChanged();
 
-    /// Copies a rectangle of the store (clipped to it) to rows of R, G, B, A bytes (alpha 255), `target` being the
-    /// whole image's first byte.
-    void copyPixels(const PixelRect& rect, uint8_t* target, size_t stride) const;
-    /// The store (Cairo RGB24 in device pixels); null while the window is empty. For drawing tests and writing
-    /// pictures.
-    cairo_surface_t* surface() const { return _surface; }
+    /// Where frames are drawn; null while the window is empty. Each size has its own.
+    std::shared_ptr<const UIWindowStore> store() const { return _store; }
+    /// The store's pixels or null. For drawing tests and writing pictures.
+    cairo_surface_t* surface() const { return _store ? _store->surface() : nullptr; }
 
     /// For gesture recognisers.
     UIGestureEnvironment& gestureEnvironment() { return *_gestures; }
@@ -126,7 +123,7 @@ private:
     bool _drawingFrame = false;
     bool _wasIdle = true;
     bool _idleReportQueued = false;
-    cairo_surface_t* _surface = nullptr;
+    std::shared_ptr<const UIWindowStore> _store;
     DamageList _damage;
     std::vector<std::weak_ptr<UIView>> _animating;
     std::function<void()> _frameRequestHandler;

@@ -191,7 +191,7 @@ TEST_F(UIWindowDrawingTest, CopiedPixelsAreTheStoresInOtherOrder) {
 
     const size_t stride = 37 * 4 + 3; // rows need no alignment
     std::vector<uint8_t> image(stride * 11, 0xee);
-    window->copyPixels({3, 2, 30, 7}, image.data(), stride);
+    window->store()->copyPixels({3, 2, 30, 7}, &image[2 * stride + 3 * 4], stride);
     for (size_t y = 0; y < 11; ++y) {
         for (size_t x = 0; x < 37; ++x) {
             const uint8_t* const p = &image[y * stride + 4 * x];
@@ -207,13 +207,32 @@ TEST_F(UIWindowDrawingTest, CopiedPixelsAreTheStoresInOtherOrder) {
 }
 
 TEST_F(UIWindowDrawingTest, CopyingIsClippedToTheStore) {
-    std::vector<uint8_t> image(4 * 4 * 4, 0xee);
-    window->copyPixels({0, 0, 4, 4}, image.data(), 16);
-    EXPECT_EQ(image, std::vector<uint8_t>(64, 0xee));
     window->setSize({4, 4}, 1);
     window->drawFrame(0);
-    window->copyPixels({-100, -100, 1000, 1000}, image.data(), 16);
-    EXPECT_EQ(image, std::vector<uint8_t>(64, 255));
+    std::vector<uint8_t> image(6 * 6 * 4, 0xee);
+    window->store()->copyPixels({-1, -1, 6, 6}, image.data(), 24);
+    for (size_t i = 0; i < image.size(); ++i) {
+        const size_t x = i / 4 % 6, y = i / 24;
+        ASSERT_EQ(image[i], x >= 1 && x < 5 && y >= 1 && y < 5 ? 255 : 0xee);
+    }
+    const std::vector<uint8_t> before = image;
+    window->store()->copyPixels({4, 0, 6, 6}, image.data(), 24);
+    EXPECT_EQ(image, before);
+}
+
+TEST_F(UIWindowDrawingTest, AStoreThatIsHeldKeepsItsPictureWhenTheWindowChangesItsSize) {
+    window->setSize({4, 4}, 2);
+    addView({{0, 0}, {4, 4}}, 1, 0, 0);
+    window->drawFrame(0);
+    const auto held = window->store();
+    window->setSize({8, 2}, 1);
+    EXPECT_NE(window->store(), held);
+    window->drawFrame(1);
+    EXPECT_EQ(held->bounds(), (PixelRect{0, 0, 8, 8}));
+    EXPECT_EQ(held->scale(), 2);
+    std::array<uint8_t, 4> last{};
+    held->copyPixels({7, 7, 1, 1}, last.data(), 4);
+    EXPECT_EQ(last, (std::array<uint8_t, 4>{255, 0, 0, 255}));
 }
 
 } // namespace veyra

@@ -50,8 +50,17 @@ void NSObject::setValueForKey(const id& value, const NSString& key) {
 
 id NSObject::valueForUndefinedKey(const NSString& key) {
     static const SEL selector("valueForUndefinedKey:");
+    struct Found {
+        Class cls = nullptr;
+        unsigned replacementCount = 0;
+        IMP implementation = nullptr;
+    };
+    static thread_local Found found; // absent keys of script objects come by the ten thousand
+    const Class cls = isa();
+    if (const unsigned count = ClassObject::replacementCount(); found.cls != cls || found.replacementCount != count)
+        found = {cls, count, cls->implementation(selector)};
     const id argument(key);
-    return isa()->implementation(selector)(*this, {&argument, 1});
+    return found.implementation(*this, {&argument, 1});
 }
 
 id NSObject::performSelector(SEL selector, std::span<const id> arguments) {

@@ -101,6 +101,7 @@ std::vector<Method> ClassObject::methods() const {
 
 IMP ClassObject::replaceMethod(SEL selector, IMP body, const char* types) {
     const std::lock_guard guard(_mutex);
+    replacements.fetch_add(1, std::memory_order_release); // seen by whoever waits for the lock
     const auto method = std::ranges::find(_methods, selector, &Method::selector);
     if (method == _methods.end()) {
         _methods.push_back(Method{selector, types, body});

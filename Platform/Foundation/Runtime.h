@@ -4,6 +4,7 @@
 
 #include "Platform/Foundation/id.h"
 
+#include <atomic>
 #include <optional>
 #include <shared_mutex>
 #include <span>
@@ -86,6 +87,8 @@ public:
     std::vector<Method> methods() const;
     /// Replaces or adds; returns the former body of this class, or null.
     IMP replaceMethod(SEL selector, IMP body, const char* types);
+    /// Counts the replacements in all classes: what was looked up holds as long as this stays.
+    static unsigned replacementCount() { return replacements.load(std::memory_order_acquire); }
 
 private:
     /// Applies `found` to the method, under the lock of the class that defines it; false when no class does.
@@ -97,6 +100,7 @@ private:
     const WebScripting _scripting;
     mutable std::shared_mutex _mutex;
     std::vector<Method> _methods; // guarded by _mutex
+    static inline std::atomic<unsigned> replacements{0};
 };
 
 using Class = ClassObject*;

@@ -44,13 +44,12 @@ bool MKAnnotationContainerView::isInFront(uint32_t number) const {
     return number == _selected || number == _dragged;
 }
 
-MKPlacedSprite MKAnnotationContainerView::placedSprite(uint32_t number) {
+MKPlacedSprite MKAnnotationContainerView::placedSprite(uint32_t number, double scale) {
     const MKAnnotationStore::Entry& entry = _store[number];
     MKAnnotationView& view = *entry.view;
     if (entry.waitsToDrop) {
         return {};
     }
-    const double scale = deviceScale();
     if (!view._sprite) {
         view._sprite = view.makeSprite(_spriteCache, scale);
     }
@@ -113,10 +112,11 @@ void MKAnnotationContainerView::updateSprites() {
         sprites.reserve(_order.size() + _order.size() / 8); // no more: there may be a million
     }
     sprites.resize(_order.size());
+    const double scale = deviceScale();
     for (size_t i = 0; i < _order.size(); ++i) {
         const auto number = static_cast<uint32_t>(_order[i]);
         _store[number].position = static_cast<uint32_t>(i);
-        sprites[i] = isInFront(number) ? MKPlacedSprite() : placedSprite(number);
+        sprites[i] = isInFront(number) ? MKPlacedSprite() : placedSprite(number, scale);
     }
 }
 
@@ -127,7 +127,7 @@ void MKAnnotationContainerView::damage(uint32_t number) {
         // The list follows one change at once, without being made anew.
         const uint32_t position = _store[number].position;
         if (position < _order.size() && static_cast<uint32_t>(_order[position]) == number) {
-            _layer.sprites()[position] = isInFront(number) ? MKPlacedSprite() : placedSprite(number);
+            _layer.sprites()[position] = isInFront(number) ? MKPlacedSprite() : placedSprite(number, deviceScale());
         }
     }
     if (++_damagesSinceFrame > mostDamages) {
@@ -136,7 +136,7 @@ void MKAnnotationContainerView::damage(uint32_t number) {
         }
         return;
     }
-    const MKPlacedSprite placed = placedSprite(number);
+    const MKPlacedSprite placed = placedSprite(number, deviceScale());
     if (!isInFront(number)) {
         _layer.invalidate(placed);
     }
@@ -188,7 +188,7 @@ void MKAnnotationContainerView::drawInFront(const UIGraphicsContext& context, ui
     if (!_store[number].view) {
         return;
     }
-    const MKPlacedSprite placed = placedSprite(number);
+    const MKPlacedSprite placed = placedSprite(number, deviceScale());
     const double originX = std::round(context.origin.x * context.scale);
     const double originY = std::round(context.origin.y * context.scale);
     _layer.forEachPlace(placed, [&](const PixelRect& rect) {

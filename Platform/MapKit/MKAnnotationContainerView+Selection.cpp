@@ -58,7 +58,7 @@ uint32_t MKAnnotationContainerView::numberAt(CGPoint point) {
     };
     for (const uint32_t number : {_dragged, _selected}) {
         if (number != none && _store[number].view) {
-            const MKPlacedSprite placed = placedSprite(number);
+            const MKPlacedSprite placed = placedSprite(number, deviceScale());
             if (placed.sprite && isHit(number, placed)) {
                 return number;
             }

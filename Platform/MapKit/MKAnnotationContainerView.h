@@ -104,7 +104,7 @@ private:
     // Drawing: MKAnnotationContainerView+Drawing.cpp
     double deviceScale() const;
     bool isInFront(uint32_t number) const;
-    MKPlacedSprite placedSprite(uint32_t number);
+    MKPlacedSprite placedSprite(uint32_t number, double scale);
     void addToOrder(uint32_t number);
     void updateOrder();
     void updateSprites();

@@ -5,6 +5,7 @@
 #include "Platform/WebKit/WebScriptObject.h"
 
 #include <algorithm>
+#include <array>
 #include <new>
 #include <utility>
 
@@ -92,9 +93,18 @@ const ScriptContext::ValueClass& ScriptContext::valueClassOf(Class cls, const NS
 }
 
 NSString ScriptContext::toString(JSStringRef string) {
-    const JSChar* units = JSStringGetCharactersPtr(string);
+    // The engine keeps most strings in bytes, and would make a copy in units first. What is ASCII, which UTF-8 tells by
+    // its size, is taken from the bytes.
+    constexpr size_t longest = 64, mostBytes = 3;
+    const size_t length = JSStringGetLength(string);
+    std::array<char, longest * mostBytes + 1> bytes;
+    if (length <= longest && JSStringGetUTF8CString(string, bytes.data(), bytes.size()) == length + 1) {
+        std::array<char16_t, longest> units;
+        std::copy_n(bytes.begin(), length, units.begin());
+        return NSString(std::u16string_view(units.data(), length));
+    }
     static_assert(sizeof(JSChar) == sizeof(char16_t));
-    return NSString(std::u16string_view(reinterpret_cast<const char16_t*>(units), JSStringGetLength(string)));
+    return NSString(std::u16string_view(reinterpret_cast<const char16_t*>(JSStringGetCharactersPtr(string)), length));
 }
 
 JSStringRef ScriptContext::makeString(const NSString& string) {

@@ -35,7 +35,7 @@ namespace {
 constexpr size_t maximumKeys = 32;
 
 /// How the reader tells what it has read.
-enum Kind : uint8_t { Nothing, Number, False, True, Other, Null };
+enum Kind : uint8_t { Nothing, Number, False, True, Other, Null, Text };
 
 /// True in the reader when the value `a` is what the sequence expects.
 std::string conditionFor(ScriptKeyValue expected, const std::string& a) {
@@ -72,7 +72,7 @@ std::string readerText(const ScriptKeySequence& sequence) {
                  conditionFor(sequence.keys[i].expected, a) + ")) break read;\n";
         kinds += "if (typeof " + a + " === 'number') { kinds[" + index + "] = 1; numbers[" + index + "] = " + a +
                  "; } else kinds[" + index + "] = " + a + " === undefined ? 0 : " + a + " === null ? 5 : " + a +
-                 " === false ? 2 : " + a + " === true ? 3 : 4;\n";
+                 " === false ? 2 : " + a + " === true ? 3 : typeof " + a + " === 'string' ? 6 : 4;\n";
     }
     return "(function (take, report, kinds, numbers, stop) { 'use strict';\n"
            "return function (array, length) {\n"
@@ -99,7 +99,7 @@ class ElementValues final : public ScriptValuesAhead {
 public:
     /// `values` are those of the running call, which keeps them alive. What other walks use too is copied.
     ElementValues(const ScriptElementWalk& walk, size_t count, const JSValueRef* values)
-        : _keys(walk.sequence.keys), _count(count), _values(values) {
+        : _context(walk.context), _keys(walk.sequence.keys), _count(count), _values(values) {
         std::copy_n(walk.reader.kinds, count, _kinds.begin());
         std::copy_n(walk.reader.numbers, count, _numbers.begin());
     }
@@ -109,8 +109,8 @@ public:
             _count = 0; // what follows is read singly
             return false;
         }
-        static constexpr std::array kinds{Kind::Nothing, Kind::Number, Kind::Boolean,
-                                          Kind::Boolean, Kind::Value,  Kind::Nil};
+        static constexpr std::array kinds{Kind::Nothing, Kind::Number, Kind::Boolean, Kind::Boolean,
+                                          Kind::Value,   Kind::Nil,    Kind::Text};
         const size_t index = _next++;
         kind = kinds[_kinds[index]];
         number = kind == Kind::Boolean ? _kinds[index] == True : _numbers[index];
@@ -118,12 +118,24 @@ public:
         return true;
     }
 
+    // A sequence may read a string several times over.
+    id text(JSValueRef value) override {
+        if (value != _lastText) {
+            _lastText = value;
+            _lastNative = _context.toNative(value);
+        }
+        return _lastNative;
+    }
+
 private:
+    ScriptContext& _context;
     const std::vector<ScriptKeySequence::Key>& _keys;
     size_t _count, _next = 0;
     const JSValueRef* const _values;
     std::array<uint8_t, maximumKeys> _kinds;
     std::array<double, maximumKeys> _numbers;
+    JSValueRef _lastText = nullptr;
+    id _lastNative;
 };
 
 /// function (element, count of values read, values…): whether the walk ends. No exception may pass the engine.

@@ -22,10 +22,12 @@ struct ScriptKeySequence;
 /// What has been read of a script object ahead, for WebScriptObject::valueForKey.
 class ScriptValuesAhead {
 public:
-    enum class Kind { Nothing, Nil, Number, Boolean, Value, Exception };
-    /// What the next read gave (numbers, and booleans as 0 and 1, in `number`, values and exceptions in `value`);
-    /// false when the key is another one or nothing is left: then it has to be read.
+    enum class Kind { Nothing, Nil, Number, Boolean, Text, Value, Exception };
+    /// What the next read gave (numbers, and booleans as 0 and 1, in `number`, what else there is in `value`); false
+    /// when the key is another one or nothing is left: then it has to be read.
     virtual bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value) = 0;
+    /// A string that `next` gave as Text.
+    virtual id text(JSValueRef) { return id(); }
 
 protected:
     ~ScriptValuesAhead() = default;

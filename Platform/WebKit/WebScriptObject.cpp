@@ -26,9 +26,9 @@ void WebScriptObject::report(JSValueRef exception) const {
 id WebScriptObject::valueForKey(const NSString& key) {
     if (!scriptObject())
         return id();
-    const auto self = shared_from_this(); // a getter may drop what holds this object
     JSValueRef exception = nullptr;
     JSValueRef value = nullptr;
+    std::shared_ptr<NSObject> self;
     ScriptValuesAhead::Kind kind{};
     double number = 0;
     if (_readAhead && _readAhead->next(key, kind, number, value)) {
@@ -40,9 +40,12 @@ id WebScriptObject::valueForKey(const NSString& key) {
             return id();
         if (kind == ScriptValuesAhead::Kind::Nothing)
             return valueForUndefinedKey(key);
+        if (kind == ScriptValuesAhead::Kind::Text)
+            return _readAhead->text(value);
         if (kind == ScriptValuesAhead::Kind::Exception)
             exception = value;
     } else {
+        self = shared_from_this(); // a getter may drop what holds this object
         value = JSObjectGetProperty(_context->_context, _object, ScriptContext::keyString(key), &exception);
     }
     if (exception) {

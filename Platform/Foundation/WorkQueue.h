@@ -18,6 +18,8 @@ public:
     /// The threads never end.
     ~WorkQueue() = delete;
 
+    static constexpr unsigned threadCount = 2;
+
     /// Runs the block on one of the threads; blocks begin in the order of queuing. What it throws is logged.
     void async(Block block) VEYRA_EXCLUDES(_mutex);
 
@@ -36,5 +38,8 @@ WorkQueue& dispatch_get_global_queue();
 inline void dispatch_async(WorkQueue& queue, Block block) {
     queue.async(std::move(block));
 }
+/// Runs the block with each number below `count`, on this thread and on those of the queue's that are free, and returns
+/// when all runs have ended. They may run at the same time. What one throws is thrown on afterwards.
+void dispatch_apply(size_t count, WorkQueue& queue, const std::function<void(size_t)>& block);
 
 } // namespace veyra

@@ -1,5 +1,7 @@
 #include "Platform/MapKit/MKSpriteLayer.h"
 
+#include "Platform/Foundation/WorkQueue.h"
+
 #include <cairo.h>
 #include <pixman.h>
 
@@ -14,6 +16,8 @@ namespace {
 constexpr int side = MKSpriteTile::side;
 // The room of a larger crowd's lists is given back after it has been drawn.
 constexpr size_t mostKeptDrawings = 30000;
+// So many drawings are worth a second thread.
+constexpr size_t leastShared = 1000;
 
 int64_t tileIndex(int64_t pixel) {
     return pixel >= 0 ? pixel / side : -((side - 1 - pixel) / side);
@@ -137,6 +141,8 @@ void MKSpriteLayer::bringUpToDate(const TileArea& area) {
         return;
     }
     fillLists(area, wanted);
+    std::vector<std::pair<MKSpriteTile*, const std::vector<Drawing>*>> drawn;
+    size_t drawings = 0;
     for (size_t i = 0; i < wanted.size(); ++i) {
         if (!wanted[i]) {
             continue;
@@ -157,10 +163,22 @@ void MKSpriteLayer::bringUpToDate(const TileArea& area) {
         if (!tile.picture) {
             tile.picture = std::make_unique<MKSpriteTile>();
         }
-        tile.picture->clear();
-        for (const Drawing& drawing : _lists[i]) {
-            tile.picture->drawBehind(*drawing.sprite, drawing.x, drawing.y);
+        drawn.emplace_back(tile.picture.get(), &_lists[i]);
+        drawings += _lists[i].size();
+    }
+    const auto drawTile = [&drawn](size_t i) {
+        const auto& [picture, list] = drawn[i];
+        picture->clear();
+        for (const Drawing& drawing : *list) {
+            picture->drawBehind(*drawing.sprite, drawing.x, drawing.y);
         }
+    };
+    if (drawings < leastShared) {
+        for (size_t i = 0; i < drawn.size(); ++i) {
+            drawTile(i);
+        }
+    } else {
+        dispatch_apply(drawn.size(), dispatch_get_global_queue(), drawTile);
     }
     const auto add = [](size_t sum, const std::vector<Drawing>& list) { return sum + list.capacity(); };
     if (std::accumulate(_lists.begin(), _lists.end(), size_t{0}, add) > mostKeptDrawings) {

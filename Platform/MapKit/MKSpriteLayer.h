@@ -1,6 +1,7 @@
 // A picture of many sprites that stand at points of the map, the northern ones behind the southern ones, on every
 // copy of the world. It is kept in tiles of the scale's own pixels: a map that moves at its scale finds them drawn, and
-// a change draws those that it touches. Owned by the map's annotations; main queue only.
+// a change draws those that it touches; crowds are drawn on several threads. Owned by the map's annotations; main queue
+// only.
 #pragma once
 
 #include "Platform/MapKit/MKSpriteTile.h"

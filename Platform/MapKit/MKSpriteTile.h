@@ -1,6 +1,6 @@
 // A square of pixels into which sprites are drawn from the front to the back: a pixel that is covered is not touched
-// again, so that a crowd of a hundred thousand costs little more than what is seen of it. Owned by a sprite layer; main
-// queue only.
+// again, so that a crowd of a hundred thousand costs little more than what is seen of it. Owned by a sprite layer; one
+// thread at a time.
 #pragma once
 
 #include "Platform/MapKit/MKSprite.h"

@@ -162,6 +162,7 @@ int main(int argc, char** argv) {
             measureIdle(host, "idle, the page without a map");
             measureFirstFrame(host);
         }
+        measureMotion(host, screen, "a bare canvas" + way, "await bareFrames(600)");
         host.run("await library.start()");
         measureMotion(host, screen, "pan" + way, "await pan(600, 48, 10, 3)");
         measureMotion(host, screen, "zoom" + way, "await zoom(600, 48, 10)");

@@ -61,13 +61,14 @@ size_t hashOfNumber(double number) {
 } // namespace
 
 const id::Array* id::array() const {
-    const auto* array = std::get_if<std::shared_ptr<const Array>>(&_value);
+    const auto* const array = std::get_if<SharedBox<Array>>(&_value);
     return array ? array->get() : nullptr;
 }
 
 const std::shared_ptr<NSObject>& id::object() const {
     static const auto& none = *new std::shared_ptr<NSObject>();
-    const auto* object = std::get_if<std::shared_ptr<NSObject>>(&_value);
+    const auto* const box = std::get_if<SharedBox<std::shared_ptr<NSObject>>>(&_value);
+    const auto* const object = box ? box->get() : nullptr;
     return object ? *object : none;
 }
 

@@ -1,9 +1,10 @@
 // The value that the plug-in can hold without looking inside: nothing, undefined, a boolean, a number, a string, an
-// array or an object. A small value type; copies share arrays and objects. Any thread may hold one; a script object
+// array or an object. A value of two words; copies share arrays and objects. Any thread may hold one; a script object
 // inside is released on any thread and gives its script value back on the web thread by itself.
 #pragma once
 
 #include "Platform/Foundation/NSString.h"
+#include "Platform/Foundation/SharedBox.h"
 
 #include <concepts>
 #include <cstdint>
@@ -36,12 +37,12 @@ public:
     id(uint64_t value) : _value(static_cast<double>(value)) {}
     id(NSString value) : _value(std::move(value)) {}
     id(const char* utf8) : _value(NSString(utf8)) {}
-    id(Array elements) : _value(std::make_shared<const Array>(std::move(elements))) {}
+    id(Array elements) : _value(SharedBox<Array>(std::move(elements))) {}
     /// An empty pointer is nil.
     template <class T>
     requires std::is_convertible_v<T*, NSObject*> id(std::shared_ptr<T> object) {
         if (object)
-            _value = std::shared_ptr<NSObject>(std::move(object));
+            _value = SharedBox<std::shared_ptr<NSObject>>(std::move(object));
     }
 
     bool isNil() const { return std::holds_alternative<std::monostate>(_value); }
@@ -50,8 +51,8 @@ public:
     /// True for numbers and booleans: both are number objects.
     bool isNumber() const { return std::holds_alternative<double>(_value) || isBoolean(); }
     bool isString() const { return std::holds_alternative<NSString>(_value); }
-    bool isArray() const { return std::holds_alternative<std::shared_ptr<const Array>>(_value); }
-    bool isObject() const { return std::holds_alternative<std::shared_ptr<NSObject>>(_value); }
+    bool isArray() const { return std::holds_alternative<SharedBox<Array>>(_value); }
+    bool isObject() const { return std::holds_alternative<SharedBox<std::shared_ptr<NSObject>>>(_value); }
     explicit operator bool() const { return !isNil(); }
 
     /// The string, array or object inside, or null when the value is of another kind.
@@ -96,8 +97,8 @@ public:
     friend bool operator==(const id& a, const id& b) { return a.isEqual(b); }
 
 private:
-    std::variant<std::monostate, WebUndefined, bool, double, NSString, std::shared_ptr<const Array>,
-                 std::shared_ptr<NSObject>>
+    std::variant<std::monostate, WebUndefined, bool, double, NSString, SharedBox<Array>,
+                 SharedBox<std::shared_ptr<NSObject>>>
         _value;
 };
 

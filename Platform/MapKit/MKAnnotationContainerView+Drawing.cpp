@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace veyra {
 
@@ -84,13 +85,12 @@ void MKAnnotationContainerView::updateOrder() {
         return !entry.view || entry.isNewInOrder;
     });
     std::vector<uint64_t> added;
-    for (const uint32_t number : _newInOrder) {
+    for (const uint32_t number : std::exchange(_newInOrder, {})) {
         _store[number].isNewInOrder = false;
         if (_store[number].view) {
             added.push_back(orderKey(_store.pointOf(number), number));
         }
     }
-    _newInOrder.clear();
     if (added.empty()) {
         return;
     }
@@ -109,7 +109,7 @@ void MKAnnotationContainerView::updateSprites() {
     auto& sprites = _layer.sprites();
     if (sprites.capacity() < _order.size() || sprites.capacity() / 4 > _order.size()) {
         sprites = {};
-        sprites.reserve(_order.size() + _order.size() / 8); // no more: there may be a million
+        sprites.reserve(_order.size() + _order.size() / 16); // no more: there may be a million
     }
     sprites.resize(_order.size());
     const double scale = deviceScale();

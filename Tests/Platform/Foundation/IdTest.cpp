@@ -23,6 +23,8 @@ id nullObject() {
 static_assert(!std::is_constructible_v<id, void*>);
 static_assert(!std::is_constructible_v<id, NSObject*>);
 static_assert(std::is_nothrow_move_constructible_v<id>);
+// There may be millions.
+static_assert(sizeof(id) == 2 * sizeof(void*));
 
 TEST(Id, KnowsItsKind) {
     EXPECT_TRUE(id().isNil());
@@ -172,6 +174,44 @@ TEST(Id, TellsDifferentValuesApart) {
     EXPECT_FALSE(id(NSArray{1, 2}) == id(NSArray{2, 1}));
     EXPECT_FALSE(id(NSArray{1, 2}) == id(NSArray{1}));
     EXPECT_FALSE(id(NSArray()) == id());
+}
+
+TEST(Id, CopiesShareWhatTheLastOneReleases) {
+    auto object = std::make_shared<NSNull>();
+    const std::weak_ptr<NSNull> released = object;
+    id first(std::move(object)), second = first;
+    EXPECT_EQ(first.object(), second.object());
+    id moved = std::move(first);
+    EXPECT_EQ(moved.object(), second.object());
+    const id array(NSArray{moved});
+    const id sameArray = array;
+    EXPECT_EQ(array.array(), sameArray.array());
+    moved = 1;
+    second = id();
+    EXPECT_FALSE(released.expired());
+    id last = array;
+    last = "text";
+    EXPECT_EQ(sameArray.array()->front().object(), released.lock());
+}
+
+TEST(Id, IsReleasedWithItsArray) {
+    auto object = std::make_shared<NSNull>();
+    const std::weak_ptr<NSNull> released = object;
+    {
+        const id array(NSArray{id(std::move(object)), 2});
+        const id copy = array;
+        EXPECT_FALSE(released.expired());
+    }
+    EXPECT_TRUE(released.expired());
+}
+
+TEST(Id, OfAnObjectThatWasMovedFromHasNone) {
+    id object = nullObject(), array(NSArray{1});
+    const id taken = std::move(object), takenArray = std::move(array);
+    EXPECT_EQ(object.object(), nullptr); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(array.array(), nullptr);   // NOLINT(bugprone-use-after-move)
+    object = 3;
+    EXPECT_EQ(object, id(3));
 }
 
 TEST(Id, ServesAsAKey) {

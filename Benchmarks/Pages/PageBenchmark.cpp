@@ -3,7 +3,7 @@
 #include "Benchmarks/Pages/Measurements.h"
 #include "Benchmarks/Pages/PageInput.h"
 #include "Benchmarks/Pages/SideBySide.h"
-#include "Benchmarks/Pages/VirtualDisplay.h"
+#include "Benchmarks/Pages/WatchedDisplay.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -58,6 +58,9 @@ void measureContents(PageHost& host, ScreenFrames& screen) {
              Content{"a line of 200,000 vertices", "line(200000)", "addLine"},
              Content{"a line of 1,000,000 vertices", "line(1000000)", "addLine"},
              Content{"2,000 polygons of 24 vertices", "polygons(2000)", "addPolygons"},
+             Content{"1,000 pins", "pins(1000)", "addPins"},
+             Content{"1,000 pins beside a million elsewhere", "[...pins(1000), ...pinsElsewhere(1000000)]", "addPins",
+                     1},
          })
         measureContent(host, screen, content);
 }
@@ -132,7 +135,7 @@ void measureLeftPages(PageHost& host, const std::string& page) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const VirtualDisplay display;
+    const WatchedDisplay display;
     gtk_init(&argc, &argv);
     ScreenFrames screen(display.folder());
     const std::string page = "file://" VEYRA_BENCHMARK_PAGES "/map.html", what = argc > 1 ? argv[1] : "";

@@ -9,11 +9,12 @@ function random(seed = 1) {
         return seed / 2 ** 32;
     };
 }
-function pins(count) {
+function pins(count, latitude = 48, longitude = 10, name = 'pin ') {
     const next = random();
     return Array.from({ length: count }, (_, i) => (
-        { latitude: 48 + 14 * (next() - .5), longitude: 10 + 26 * (next() - .5), identifier: 'pin ' + i, title: 'Pin ' + i, pinAnimatesDrop: false }));
+        { latitude: latitude + 14 * (next() - .5), longitude: longitude + 26 * (next() - .5), identifier: name + i, title: 'Pin ' + i, pinAnimatesDrop: false }));
 }
+const pinsElsewhere = (count) => pins(count, -40, -120, 'elsewhere ');
 function line(count) {
     const next = random();
     const coordinates = [];

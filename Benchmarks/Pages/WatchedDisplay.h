@@ -6,13 +6,13 @@
 
 namespace veyra::benchmark {
 
-class VirtualDisplay {
+class WatchedDisplay {
 public:
     /// Ends the program with a message when Xvfb cannot be started.
-    VirtualDisplay();
-    ~VirtualDisplay();
-    VirtualDisplay(const VirtualDisplay&) = delete;
-    VirtualDisplay& operator=(const VirtualDisplay&) = delete;
+    WatchedDisplay();
+    ~WatchedDisplay();
+    WatchedDisplay(const WatchedDisplay&) = delete;
+    WatchedDisplay& operator=(const WatchedDisplay&) = delete;
 
     /// Where Xvfb keeps the pixels; see ScreenFrames.
     const std::string& folder() const { return _folder; }

@@ -1,4 +1,4 @@
-#include "Benchmarks/Pages/VirtualDisplay.h"
+#include "Benchmarks/Pages/WatchedDisplay.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -13,7 +13,7 @@ extern char** environ;
 
 namespace veyra::benchmark {
 
-VirtualDisplay::VirtualDisplay() {
+WatchedDisplay::WatchedDisplay() {
     char name[] = "/tmp/veyra-benchmark-XXXXXX";
     _folder = mkdtemp(name);
     int ends[2];
@@ -35,7 +35,7 @@ VirtualDisplay::VirtualDisplay() {
     setenv("DISPLAY", display, 1);
 }
 
-VirtualDisplay::~VirtualDisplay() {
+WatchedDisplay::~WatchedDisplay() {
     kill(_process, SIGTERM);
     waitpid(_process, nullptr, 0);
     std::filesystem::remove_all(_folder);

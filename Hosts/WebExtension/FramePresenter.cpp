@@ -126,11 +126,11 @@ void FramePresenter::startDrawing() {
     _hadFrameSinceDrawing = false;
     const auto drawing = std::make_shared<Drawing>();
     drawing->window = _window;
-    dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), drawing]() mutable {
+    dispatch_async(dispatch_get_main_queue(), [weak = weak_from_this(), drawing] {
         runGuarded("drawing a frame", [&] { drawing->run(); });
-        webThread().async([weak, finished = std::move(drawing)] {
+        webThread().async([weak, drawing] {
             if (const auto self = weak.lock())
-                self->finishDrawing(*finished);
+                self->finishDrawing(*drawing);
         });
     });
 }

@@ -172,6 +172,8 @@ private:
     /// Ends the change under way, if any, where its movement leads.
     void finishChange();
     void startMotion(std::unique_ptr<MKMotion> motion);
+    /// Finishes the change when no frame steps its movement for a while.
+    void awaitStep();
     void moveCamera(const MKCamera& camera);
     bool canAnimate() const;
 

@@ -185,7 +185,8 @@ private:
     void handlePinch(UIPinchGestureRecognizer& pinch);
     void handleZoomTap(const UIGestureRecognizer& tap, double factor);
     bool beginFingerChange();
-    void endFingerChange(CGPoint velocity);
+    /// With the last finger: ends the change, or goes on by inertia.
+    void endFingerChange();
     bool zoomByKey(double factor);
     bool panByKey(double directionX, double directionY);
     bool showWorldByKey();
@@ -249,7 +250,8 @@ private:
 
     std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
     std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
-    CGPoint _pinchMiddle; // of the fingers at the last step of a pinch
+    double _lastPinchTime = 0; // seconds; when two fingers last moved the map
+    CGPoint _panVelocity;      // of the drag that has ended while a pinch has not, in points a second
     std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
     std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
 

@@ -26,7 +26,7 @@ void MKMapView::setShowsUserLocation(bool shows) {
         _locationProvider->stopUpdatingLocation();
     }
     removeUserLocation();
-    if (std::exchange(_isLocating, false)) {
+    if (!_showsUserLocation && std::exchange(_isLocating, false)) {
         if (const auto delegate = this->delegate()) {
             delegate->mapViewDidStopLocatingUser(*this);
         }
@@ -85,12 +85,18 @@ void MKMapView::userLocated(const std::shared_ptr<const CLLocation>& location) {
     } else {
         addAnnotation(_userLocation);
     }
+    if (!_isUserLocationShown) {
+        return; // switched off by the delegate, which was asked for a view
+    }
     if (const auto delegate = this->delegate()) {
         delegate->mapViewDidUpdateUserLocation(*this, _userLocation);
     }
 }
 
 void MKMapView::userNotLocated(const std::shared_ptr<NSError>& error) {
+    if (!_showsUserLocation) {
+        return;
+    }
     _isLocating = false;
     removeUserLocation();
     if (const auto delegate = this->delegate()) {
@@ -112,7 +118,7 @@ bool MKMapView::isUserLocationVisible() const {
     }
     const CLLocationCoordinate2D place = location->coordinate();
     const MKMapPoint center = MKMapPointForCoordinate(place);
-    const double radius = std::max(location->horizontalAccuracy(), 0.0) * MKMapPointsPerMeterAtLatitude(place.latitude);
+    const double radius = std::max(0.0, location->horizontalAccuracy()) * MKMapPointsPerMeterAtLatitude(place.latitude);
     const MKMapRect visible = visibleMapRect();
     // The distance from the circle's centre to the visible rectangle; the world repeats to both sides.
     const double middle = MKMapRectGetMidX(visible);

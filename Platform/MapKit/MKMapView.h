@@ -198,6 +198,8 @@ private:
     void userLocated(const std::shared_ptr<const CLLocation>& location);
     void userNotLocated(const std::shared_ptr<NSError>& error);
     void removeUserLocation();
+    /// True while a position is known and its circle of accuracy meets the rectangle or a copy of it.
+    bool isUserLocationIn(const MKMapRect& rect) const;
 
     // Names: MKMapView+Labels.cpp
     void drawLabels(const UIGraphicsContext& context);

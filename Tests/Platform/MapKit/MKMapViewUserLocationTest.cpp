@@ -184,7 +184,7 @@ TEST_F(MKMapViewUserLocation, APlaceThatIsNoneIsShownNowhere) {
 
 TEST_F(MKMapViewUserLocation, AnAccuracyThatIsNoNumberIsNone) {
     switchOn(*map);
-    for (const double accuracy : {notANumber, -1.0, -infinity, 0.0}) {
+    for (const double accuracy : {notANumber, -1.0, -infinity, infinity, 0.0}) {
         provider->locate(0, 0, accuracy);
         EXPECT_TRUE(map->isUserLocationVisible()) << accuracy;
         settle();
@@ -192,9 +192,47 @@ TEST_F(MKMapViewUserLocation, AnAccuracyThatIsNoNumberIsNone) {
         EXPECT_FALSE(map->isUserLocationVisible()) << accuracy;
         settle();
     }
-    provider->locate(0, 170, infinity);
-    EXPECT_TRUE(map->isUserLocationVisible());
+}
+
+TEST_F(MKMapViewUserLocation, ACircleIsDrawnWhereItMeetsTheViewHoweverLargeAndFarItIs) {
+    constexpr uint32_t plain = 0x00ff00, tinted = 0x03ec23;
+    map->setRegion({{0, 0}, {0.01, 0.01}});
+    switchOn(*map);
+    for (const double accuracy : {10000.0, 300000.0, 5e6}) {
+        const double radius = accuracy * MKMapPointsPerMeterAtLatitude(0);
+        provider->locate(0, -radius / MKWorldSide * 360, accuracy); // its easternmost point is the view's middle
+        settle();
+        EXPECT_TRUE(map->isUserLocationVisible());
+        for (const int y : {140, 150, 160}) {
+            EXPECT_EQ(pixelAt(190, y), tinted) << accuracy;
+            EXPECT_EQ(pixelAt(210, y), plain) << accuracy;
+        }
+    }
+    for (const double accuracy : {1e6, 2e7, 1e300}) { // around all of the view
+        provider->locate(1, 2, accuracy);
+        settle();
+        for (const auto& [x, y] : {std::pair(0, 0), {399, 0}, {200, 150}, {0, 299}, {399, 299}}) {
+            EXPECT_EQ(pixelAt(x, y), tinted) << accuracy;
+        }
+    }
+    provider->locate(1, 2, 1000);
     settle();
+    EXPECT_EQ(pixelAt(200, 150), plain);
+    EXPECT_FALSE(map->isUserLocationVisible());
+}
+
+TEST_F(MKMapViewUserLocation, ACircleComesIntoViewWithTheMap) {
+    switchOn(*map);
+    map->setRegion({{0, 0}, {0.01, 0.01}});
+    provider->locate(0, 90, 20000);
+    settle();
+    EXPECT_EQ(pixelAt(200, 150), 0x00ff00u);
+    map->setCenterCoordinate({0, 90.1});
+    settle();
+    EXPECT_EQ(pixelAt(200, 150), 0x03ec23u);
+    map->setCenterCoordinate({0, 0});
+    settle();
+    EXPECT_EQ(pixelAt(200, 150), 0x00ff00u);
 }
 
 TEST_F(MKMapViewUserLocation, PlacesAtThePolesAndTheAntimeridian) {

@@ -62,7 +62,8 @@ public:
     MKMapType mapType() const { return _mapType; }
     void setMapType(MKMapType mapType);
 
-    /// Whether the user may change the scale, and move the map. Requests are not affected.
+    /// Whether the user may change the scale, and move the map; turning it off stops what the user has set in motion.
+    /// Requests are not affected.
     bool isZoomEnabled() const { return _zoomEnabled; }
     void setZoomEnabled(bool enabled);
     bool isScrollEnabled() const { return _scrollEnabled; }

@@ -326,6 +326,96 @@ TEST_F(MKMapViewGestures, WithoutScrollNothingPans) {
     EXPECT_NEAR(map->region().center.latitude, 0, 1e-9);
 }
 
+TEST_F(MKMapViewGestures, TurningScrollOffStopsTheInertia) {
+    drag({100, 150}, {12, 0}, 10);
+    touch(1, UITouchPhase::Ended, {220, 150});
+    frames(5);
+    map->setZoomEnabled(false);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will"}));
+    map->setScrollEnabled(false);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did"}));
+    const MKMapRect stopped = map->visibleMapRect();
+    frames(10);
+    EXPECT_EQ(map->visibleMapRect(), stopped);
+}
+
+TEST_F(MKMapViewGestures, TurningZoomOffStopsTheWheel) {
+    scroll({200, 150}, -110);
+    frame();
+    map->setScrollEnabled(false);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will"}));
+    map->setZoomEnabled(false);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did"}));
+    const MKMapRect stopped = map->visibleMapRect();
+    frames(10);
+    EXPECT_EQ(map->visibleMapRect(), stopped);
+}
+
+TEST_F(MKMapViewGestures, SettingsLeaveWhatAScriptHasSetInMotion) {
+    map->setCenterCoordinateAnimated({40, 11}, true);
+    frame();
+    map->setScrollEnabled(false);
+    map->setZoomEnabled(false);
+    frames(30);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~", "did~"}));
+    EXPECT_NEAR(map->region().center.longitude, 11, 1e-9);
+}
+
+TEST_F(MKMapViewGestures, ACancelledTouchEndsTheDragWithoutInertia) {
+    drag({100, 150}, {12, 0}, 10);
+    touch(1, UITouchPhase::Cancelled, {220, 150});
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did"}));
+    const MKMapRect stopped = map->visibleMapRect();
+    frames(10);
+    EXPECT_EQ(map->visibleMapRect(), stopped);
+    touch(1, UITouchPhase::Moved, {300, 150});
+    touch(1, UITouchPhase::Ended, {300, 150});
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did"}));
+}
+
+TEST_F(MKMapViewGestures, AWheelDuringADragEndsItUntilTheFingerMovesAgain) {
+    drag({100, 150}, {5, 0}, 10);
+    scroll({200, 150}, -110);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will"}));
+    touch(1, UITouchPhase::Moved, {160, 150});
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will", "did", "will"}));
+    now += 1;
+    touch(1, UITouchPhase::Ended, {160, 150});
+    frames(30);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will", "did", "will", "did"}));
+}
+
+TEST_F(MKMapViewGestures, AKeyDuringInertiaAndAWheelDuringAKeysMoveEndThem) {
+    drag({100, 150}, {12, 0}, 10);
+    touch(1, UITouchPhase::Ended, {220, 150});
+    frames(3);
+    key("+");
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will~"}));
+    frames(3);
+    scroll({200, 150}, 50);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will~", "did~", "will"}));
+    frames(60);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will~", "did~", "will", "did"}));
+    settle();
+}
+
+TEST_F(MKMapViewGestures, DeltasAndPlacesThatAreNoNumbersMoveNothing) {
+    const double infinity = HUGE_VAL, nan = std::nan("");
+    const MKMapRect before = map->visibleMapRect();
+    for (const double delta : {nan, infinity, -infinity, 0.0, -0.0}) {
+        scroll({200, 150}, delta);
+        scroll({200, 150}, delta, true);
+    }
+    scroll({nan, 150}, 100);
+    scroll({200, infinity}, 100);
+    EXPECT_EQ(delegate->regionCalls(), Calls{});
+    EXPECT_EQ(map->visibleMapRect(), before);
+    scroll({200, 150}, 1e300); // as far as one turn goes
+    frames(60);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did"}));
+    EXPECT_NEAR(before.size.width / map->visibleMapRect().size.width, std::exp2(-1.5), 1e-9);
+}
+
 TEST_F(MKMapViewGestures, TurningScrollOffDuringADragEndsIt) {
     drag({100, 150}, {12, 0}, 10);
     map->setScrollEnabled(false);

@@ -230,6 +230,19 @@ TEST_F(MKMapViewRegion, AnAnimatedSetInAHiddenWindowIsDoneAtOnce) {
     expectCenter(*map, 48.2, 16.4);
 }
 
+TEST_F(MKMapViewRegion, AMovementThatNoFrameStepsAnyMoreComesToItsEnd) {
+    show();
+    map->setCenterCoordinateAnimated({1, 1}, true);
+    frames(3);
+    window->setVisible(false);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~"}));
+    while (delegate->regionCalls().size() < 2) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~", "did~"}));
+    expectCenter(*map, 1, 1);
+}
+
 TEST_F(MKMapViewRegion, ARequestFromTheWillChangeReplacesTheOneThatCausedIt) {
     show();
     delegate->onWill = [&](MKMapView& changing) {

@@ -43,8 +43,19 @@ void addSizeAndScale(CLI::App& command, CommandLine& line) {
     command.add_option("--scale", line.scale, "device pixels a CSS pixel (1)")->type_name("S");
 }
 
+/// A range that "nan", which is less than nothing and more than nothing, is not in.
+CLI::Validator numberBetween(double least, double most) {
+    const CLI::Range range(least, most);
+    return {[range](std::string& text) {
+                double number = 0;
+                return CLI::detail::lexical_cast(text, number) && std::isnan(number) ? text + " is no number"
+                                                                                     : range(text);
+            },
+            range.get_description()};
+}
+
 void addTimeout(CLI::App& command, CommandLine& line, const char* description) {
-    command.add_option("--timeout", line.timeout, description)->type_name("SECONDS")->check(CLI::Range(1e-3, 1e6));
+    command.add_option("--timeout", line.timeout, description)->type_name("SECONDS")->check(numberBetween(1e-3, 1e6));
 }
 
 LocationTrack checkedTrack(LocationTrack (*read)(const std::string&, std::string&), const std::string& text,
@@ -80,7 +91,7 @@ void addLocation(CLI::App& command, CommandLine& line, const char* whoIsAsked) {
             ->excludes(place);
     command.add_option("--speed", line.locationSpeed, "how many times faster than recorded (1)")
         ->type_name("N")
-        ->check(CLI::Range(1e-3, 1e6))
+        ->check(numberBetween(1e-3, 1e6))
         ->needs(track);
 }
 

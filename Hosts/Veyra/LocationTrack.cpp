@@ -66,7 +66,9 @@ void startElement(GMarkupParseContext*, const char* element, const char** names,
 }
 
 std::optional<double> readTime(const std::string& text) {
-    GDateTime* time = g_date_time_new_from_iso8601(text.c_str(), nullptr);
+    GTimeZone* zone = g_time_zone_new_utc(); // of times that do not say theirs
+    GDateTime* time = g_date_time_new_from_iso8601(text.c_str(), zone);
+    g_time_zone_unref(zone);
     if (!time)
         return std::nullopt;
     const double seconds =
@@ -96,12 +98,19 @@ void addText(GMarkupParseContext*, const char* text, gsize length, gpointer data
     static_cast<GPXReader*>(data)->text.append(text, length);
 }
 
+std::string_view withoutByteOrderMark(std::string_view text) {
+    constexpr std::string_view mark = "\xef\xbb\xbf";
+    return text.substr(text.starts_with(mark) ? mark.size() : 0);
+}
+
 LocationTrack trackOf(const std::vector<GPXPoint>& points) {
     LocationTrack track;
-    const std::optional<double> start = points.empty() ? std::nullopt : points.front().time;
+    std::optional<double> start;
     for (const GPXPoint& point : points) {
         const double previous = track.empty() ? -1 : track.back().time;
-        const double time = start && point.time ? *point.time - *start : previous + 1;
+        if (!start && point.time)
+            start = *point.time - (previous + 1);
+        const double time = point.time ? *point.time - *start : previous + 1;
         const double accuracy = metersPerDilution * std::max(point.dilution.value_or(1), 0.0);
         track.push_back({time < previous ? previous + 1 : time,
                          std::make_shared<CLLocation>(CLLocationCoordinate2DMake(point.latitude, point.longitude),
@@ -143,7 +152,8 @@ LocationTrack readGPX(const std::string& path, std::string& problem) {
     GMarkupParseContext* context =
         g_markup_parse_context_new(&parser, G_MARKUP_PREFIX_ERROR_POSITION, &reader, nullptr);
     GError* error = nullptr;
-    const bool isRead = g_markup_parse_context_parse(context, content, static_cast<gssize>(length), &error) &&
+    const std::string_view text = withoutByteOrderMark({content, length});
+    const bool isRead = g_markup_parse_context_parse(context, text.data(), static_cast<gssize>(text.size()), &error) &&
                         g_markup_parse_context_end_parse(context, &error);
     g_markup_parse_context_free(context);
     g_free(content);

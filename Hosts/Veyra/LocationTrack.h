@@ -22,9 +22,9 @@ using LocationTrack = std::vector<LocationFix>;
 LocationTrack readLocation(const std::string& text, std::string& problem);
 
 /// Reads the points of all tracks of a GPX file, or of its routes when it has no tracks. Their times count from the
-/// first; a point whose time is missing, or earlier than that of the point before, comes a second after that one.
-/// Accuracies are 5 m, scaled by a point's horizontal dilution of precision. Empty, and a problem that names the file
-/// and where there is one the line, for a file without points or with a broken one.
+/// first, in UTC where they name no zone; a point whose time is missing, or earlier than that of the point before,
+/// comes a second after that one. Accuracies are 5 m, scaled by a point's horizontal dilution of precision. Empty, and
+/// a problem that names the file and where there is one the line, for a file without points or with a broken one.
 LocationTrack readGPX(const std::string& path, std::string& problem);
 
 } // namespace veyra

@@ -1,6 +1,7 @@
 #include "Hosts/WebExtension/MapElement.h"
 
 #include "Hosts/WebExtension/PageMessages.h"
+#include "Platform/WebKit/WebScriptExposure.h"
 
 namespace veyra {
 
@@ -53,6 +54,8 @@ MapElement::~MapElement() {
 }
 
 void MapElement::stop() {
+    if (_wrapper && view())
+        objectLeaves(_wrapper, view());
     forgetWrapper();
     _presenter->stop();
     _instance->stop();

@@ -12,8 +12,8 @@
     const direct = 0, pencil = 1, indirectPointer = 2;
 
     const policyOfKey = new Map([
-        ...['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown', 'Home'].map((key) => [key, usesPanKeys]),
-        ...['+', '-', '='].map((key) => [key, usesZoomKeys]),
+        ...['ArrowLeft', 'ArrowRight', 'ArrowUp', 'ArrowDown'].map((key) => [key, usesPanKeys]),
+        ...['+', '-', '='].map((key) => [key, usesZoomKeys]), ['Home', usesPanKeys | usesZoomKeys],
         ['Tab', usesNextKey], ['Enter', usesActivationKeys], [' ', usesActivationKeys], ['Escape', usesEscapeKey],
     ]);
     // Pointers and fingers number themselves apart; a view sees one space of numbers.
@@ -108,7 +108,7 @@
         }
 
         function onWheel(event) {
-            if (!uses(usesScrolls) || followsTouch(event))
+            if (event.deltaY === 0 || !uses(usesScrolls) || followsTouch(event))
                 return;
             const unit = [1, pointsInLine, canvas.clientHeight][event.deltaMode];
             const point = local(event);
@@ -124,7 +124,7 @@
             if (event.ctrlKey || event.altKey || event.metaKey)
                 return;
             const policy = event.key === 'Tab' && event.shiftKey ? usesPreviousKey : policyOfKey.get(event.key);
-            if (policy && used & policy)
+            if (policy && (used & policy) === policy)
                 event.preventDefault();
         }
 

@@ -34,6 +34,25 @@ uint64_t orderKey(MKMapPoint point, uint32_t number) {
     return static_cast<uint64_t>(latitude) << 32 | number;
 }
 
+/// Adds what a disc around `middle` shows of a circle that does not cover it: of a far larger circle, a piece that
+/// looks the same there.
+void addCircleNear(cairo_t* cairo, CGPoint center, double radius, CGPoint middle, double reach) {
+    const double distance = std::hypot(middle.x - center.x, middle.y - center.y);
+    if (distance > radius + reach) {
+        return;
+    }
+    if (radius < 8 * reach) {
+        cairo_arc(cairo, center.x, center.y, radius, 0, 2 * M_PI);
+        return;
+    }
+    const double angle = std::atan2(middle.y - center.y, middle.x - center.x);
+    const double half = std::asin(reach / distance), inner = distance - reach;
+    cairo_arc(cairo, center.x, center.y, radius, angle - half, angle + half);
+    cairo_line_to(cairo, center.x + inner * std::cos(angle + half), center.y + inner * std::sin(angle + half));
+    cairo_line_to(cairo, center.x + inner * std::cos(angle - half), center.y + inner * std::sin(angle - half));
+    cairo_close_path(cairo);
+}
+
 } // namespace
 
 double MKAnnotationContainerView::deviceScale() const {
@@ -214,10 +233,20 @@ void MKAnnotationContainerView::drawAccuracy(const UIGraphicsContext& context) {
     const double radius = view->accuracyInMapPoints() * map->_camera.scale;
     const CGPoint center = map->_camera.pointFor(_store.pointOf(_store.find(view->annotation().get())), map->_viewSize);
     const double world = MKWorldSide * map->_camera.scale;
+    // The disc around the view, with room for the line.
+    const CGPoint middle{map->_viewSize.width / 2, map->_viewSize.height / 2};
+    const double reach = std::hypot(middle.x, middle.y) + 2;
+    cairo_new_path(context.cairo);
+    const double nearest = std::remainder(center.x - middle.x, world);
+    if (radius > std::hypot(nearest, center.y - middle.y) + reach) {
+        cairo_rectangle(context.cairo, 0, 0, map->_viewSize.width, map->_viewSize.height);
+        cairo_set_source_rgba(context.cairo, 0.1, 0.47, 1, 0.14);
+        cairo_fill(context.cairo);
+        return;
+    }
     const double first = center.x - std::floor((center.x + radius) / world) * world;
     for (double x = first; x - radius < map->_viewSize.width; x += world) {
-        cairo_new_path(context.cairo);
-        cairo_arc(context.cairo, x, center.y, radius, 0, 2 * M_PI);
+        addCircleNear(context.cairo, {x, center.y}, radius, middle, reach);
         cairo_set_source_rgba(context.cairo, 0.1, 0.47, 1, 0.14);
         cairo_fill_preserve(context.cairo);
         cairo_set_source_rgba(context.cairo, 0.1, 0.47, 1, 0.45);

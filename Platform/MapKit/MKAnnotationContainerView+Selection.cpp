@@ -83,7 +83,7 @@ void MKAnnotationContainerView::select(const std::shared_ptr<MKAnnotation>& anno
     if (number == none) {
         return;
     }
-    if (!_store[number].view && _store[number].hasPoint && MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
+    if (!_store[number].view && isNear(number)) {
         askForView(number); // its turn has not come yet
         number = _store.find(annotation.get());
     }
@@ -149,8 +149,7 @@ void MKAnnotationContainerView::deselect() {
     }
     // A view that was kept for its selection alone goes now.
     const uint32_t still = _store.find(annotation.get());
-    if (still != none && still != _dragged && still != _selected && _store[still].view &&
-        !MKAnnotationStore::isIn(_area, _store.pointOf(still))) {
+    if (still != none && still != _dragged && still != _selected && _store[still].view && !isNear(still)) {
         detach(still);
     }
 }

@@ -78,7 +78,7 @@ void MKAnnotationContainerView::updateArea() {
     updateOrder();
     for (const uint64_t key : _order) {
         const auto number = static_cast<uint32_t>(key);
-        if (number != _selected && number != _dragged && !MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
+        if (number != _selected && number != _dragged && !isNear(number)) {
             detach(number);
         }
     }
@@ -88,6 +88,21 @@ void MKAnnotationContainerView::updateArea() {
             _wanted.push_back(_store[number].annotation);
         }
     }
+    const uint32_t location = _store.find(_map.lock()->userLocation().get());
+    if (location != none && !_store[location].view && isNear(location)) {
+        _wanted.push_back(_store[location].annotation);
+    }
+}
+
+// The circle of the user's location reaches farther than its dot.
+bool MKAnnotationContainerView::isNear(uint32_t number) const {
+    const MKAnnotationStore::Entry& entry = _store[number];
+    if (!entry.hasPoint || MKMapRectIsNull(_area)) {
+        return false;
+    }
+    const auto map = _map.lock();
+    return MKAnnotationStore::isIn(_area, _store.pointOf(number)) ||
+           (map && entry.annotation == map->userLocation() && map->isUserLocationIn(_area));
 }
 
 void MKAnnotationContainerView::askForWantedViews(int64_t microseconds) {
@@ -97,7 +112,7 @@ void MKAnnotationContainerView::askForWantedViews(int64_t microseconds) {
         const auto annotation = std::move(_wanted.back());
         _wanted.pop_back();
         const uint32_t number = _store.find(annotation.get());
-        if (number != none && !_store[number].view && MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
+        if (number != none && !_store[number].view && isNear(number)) {
             askForView(number);
         }
     }
@@ -190,7 +205,7 @@ void MKAnnotationContainerView::add(const std::vector<std::shared_ptr<MKAnnotati
         if (MKMapRectIsNull(_area)) {
             _area = areaAround(margin, marginPart);
         }
-        if (_store[number].hasPoint && MKAnnotationStore::isIn(_area, _store.pointOf(number))) {
+        if (isNear(number)) {
             askForView(number);
         }
     }
@@ -254,16 +269,15 @@ void MKAnnotationContainerView::coordinateDidChange(const std::shared_ptr<MKAnno
         damage(number);
     }
     _store.updatePoint(number);
-    const bool isNear = isShowingMap() && _store[number].hasPoint && !MKMapRectIsNull(_area) &&
-                        MKAnnotationStore::isIn(_area, _store.pointOf(number));
+    const bool staysNear = isShowingMap() && isNear(number);
     if (!_store[number].view) {
-        if (isNear) {
+        if (staysNear) {
             askForView(number);
         }
         return;
     }
     const bool isHeld = number == _selected || number == _dragged;
-    if (!isNear && !(isHeld && _store[number].hasPoint)) {
+    if (!staysNear && !(isHeld && _store[number].hasPoint)) {
         if (number == _selected) {
             deselect();
         }

@@ -86,6 +86,8 @@ private:
     bool isShowingMap() const;
     MKMapRect areaAround(double points, double part) const;
     void updateArea();
+    /// True when the annotation is to have a view.
+    bool isNear(uint32_t number) const;
     void askForWantedViews(int64_t microseconds);
     /// Asks the delegate for the view of an annotation that has none.
     void askForView(uint32_t number);

@@ -31,7 +31,7 @@ MKCamera MKCamera::fitting(const MKCoordinateRegion& region, CGSize viewSize) {
     const MKMapRect rect = MKMapRectForCoordinateRegion(region);
     const double scaleX = viewSize.width / rect.size.width;
     const double scaleY = viewSize.height / rect.size.height;
-    if (std::abs(scaleX - scaleY) <= sameShape * scaleX) {
+    if (std::isfinite(scaleX) && std::abs(scaleX - scaleY) <= sameShape * scaleX) {
         // The region of a map rectangle of the view's shape, as the map reports it: it is shown as it was.
         camera.scale = scaleX;
     } else {

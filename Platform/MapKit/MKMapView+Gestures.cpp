@@ -110,14 +110,20 @@ void MKMapView::handlePan(UIPanGestureRecognizer& pan) {
         return;
     }
     if (!isUnderWay(pan)) {
-        const bool wasLetGo = pan.state() == UIGestureRecognizerState::Ended;
-        endFingerChange(wasLetGo ? pan.velocityInView() : CGPoint{});
+        // Fingers that pinched until now are lifted one after the other, which throws nothing.
+        const bool wasLetGo = pan.state() == UIGestureRecognizerState::Ended &&
+                              pan.timestamp() - _lastPinchTime >= VelocityTracker::window;
+        _panVelocity = wasLetGo ? pan.velocityInView() : CGPoint{};
+        endFingerChange();
         return;
     }
     const CGPoint moved = pan.translationInView();
     pan.setTranslation({});
+    const auto self = sharedView();
     const bool pinchMoves = isUnderWay(*_pinchRecognizer) && _pinchRecognizer->numberOfTouches() == 2;
-    if (!pinchMoves && beginFingerChange()) {
+    if (pinchMoves) {
+        _lastPinchTime = pan.timestamp();
+    } else if (beginFingerChange()) {
         moveCamera(_camera.movedBy(moved.x, moved.y).clamped(_viewSize));
     }
 }
@@ -127,19 +133,19 @@ void MKMapView::handlePinch(UIPinchGestureRecognizer& pinch) {
         return;
     }
     if (!isUnderWay(pinch)) {
-        endFingerChange({});
+        endFingerChange();
         return;
     }
+    _lastPinchTime = pinch.timestamp();
     const double factor = pinch.scale();
     pinch.setScale(1);
     // The map follows the fingers' middle from the first move on, whether a pan has been recognised or not.
-    const CGPoint middle = pinch.locationInView();
-    const bool begins = pinch.state() == UIGestureRecognizerState::Began || pinch.numberOfTouches() != 2;
-    const CGPoint moved =
-        begins || !_scrollEnabled ? CGPoint{} : CGPoint{middle.x - _pinchMiddle.x, middle.y - _pinchMiddle.y};
-    _pinchMiddle = middle;
+    const CGPoint moved = _scrollEnabled ? pinch.translationInView() : CGPoint{};
+    pinch.setTranslation({});
+    const auto self = sharedView();
     if (beginFingerChange()) {
-        moveCamera(_camera.movedBy(moved.x, moved.y).scaledTo(_camera.scale * factor, middle, _viewSize));
+        moveCamera(
+            _camera.movedBy(moved.x, moved.y).scaledTo(_camera.scale * factor, pinch.locationInView(), _viewSize));
     }
 }
 
@@ -152,15 +158,16 @@ bool MKMapView::beginFingerChange() {
         return false;
     }
     _changedByFingers = true;
+    _panVelocity = {};
     return true;
 }
 
-void MKMapView::endFingerChange(CGPoint velocity) {
+void MKMapView::endFingerChange() {
     if (!_changing || !_changedByFingers || isUnderWay(*_panRecognizer) || isUnderWay(*_pinchRecognizer)) {
         return;
     }
-    if (canAnimate() && std::hypot(velocity.x, velocity.y) > MKInertia::slowestSpeed) {
-        startMotion(std::make_unique<MKInertia>(velocity));
+    if (canAnimate() && std::hypot(_panVelocity.x, _panVelocity.y) > MKInertia::slowestSpeed) {
+        startMotion(std::make_unique<MKInertia>(_panVelocity));
     } else {
         endChange();
     }

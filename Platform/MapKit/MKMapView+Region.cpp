@@ -102,6 +102,9 @@ void MKMapView::changeTo(const MKCamera& target, bool animated, double duration)
 
 bool MKMapView::beginChange(bool animated) {
     endChange();
+    if (_changing) {
+        return false;
+    }
     _changing = true;
     _changeAnimated = animated;
     _tiles->forgetFailures();
@@ -116,6 +119,7 @@ void MKMapView::endChange() {
     if (!_changing) {
         return;
     }
+    const auto self = sharedView();
     _changing = _changedByFingers = _changedByKey = false;
     _motion.reset();
     _motionTimer->cancel();
@@ -131,6 +135,7 @@ void MKMapView::endChange() {
 }
 
 void MKMapView::finishChange() {
+    const auto self = sharedView();
     if (_motion) {
         MKCamera end = _camera;
         _motion->finish(_viewSize, end);
@@ -142,6 +147,10 @@ void MKMapView::finishChange() {
 void MKMapView::startMotion(std::unique_ptr<MKMotion> motion) {
     _motion = std::move(motion);
     setNeedsAnimationStep();
+    awaitStep();
+}
+
+void MKMapView::awaitStep() {
     _motionTimer->start(dispatch_get_main_queue(), longestPauseOfMotion, [this] { finishChange(); });
 }
 
@@ -153,7 +162,7 @@ bool MKMapView::stepAnimations(double timestamp) {
     const bool goesOn = _motion->step(timestamp, _viewSize, camera);
     moveCamera(camera);
     if (goesOn) {
-        _motionTimer->start(dispatch_get_main_queue(), longestPauseOfMotion, [this] { finishChange(); });
+        awaitStep();
     } else {
         endChange();
     }

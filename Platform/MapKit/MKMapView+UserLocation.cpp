@@ -26,7 +26,7 @@ void MKMapView::setShowsUserLocation(bool shows) {
         _locationProvider->stopUpdatingLocation();
     }
     removeUserLocation();
-    if (std::exchange(_isLocating, false)) {
+    if (!_showsUserLocation && std::exchange(_isLocating, false)) {
         if (const auto delegate = this->delegate()) {
             delegate->mapViewDidStopLocatingUser(*this);
         }
@@ -85,12 +85,18 @@ void MKMapView::userLocated(const std::shared_ptr<const CLLocation>& location) {
     } else {
         addAnnotation(_userLocation);
     }
+    if (!_isUserLocationShown) {
+        return; // switched off by the delegate, which was asked for a view
+    }
     if (const auto delegate = this->delegate()) {
         delegate->mapViewDidUpdateUserLocation(*this, _userLocation);
     }
 }
 
 void MKMapView::userNotLocated(const std::shared_ptr<NSError>& error) {
+    if (!_showsUserLocation) {
+        return;
+    }
     _isLocating = false;
     removeUserLocation();
     if (const auto delegate = this->delegate()) {
@@ -106,19 +112,21 @@ void MKMapView::removeUserLocation() {
 }
 
 bool MKMapView::isUserLocationVisible() const {
+    return hasLayout() && isUserLocationIn(visibleMapRect());
+}
+
+bool MKMapView::isUserLocationIn(const MKMapRect& rect) const {
     const auto location = _isUserLocationShown ? _userLocation->location() : nullptr;
-    if (!location || !hasLayout()) {
+    if (!location) {
         return false;
     }
-    const CLLocationCoordinate2D place = location->coordinate();
-    const MKMapPoint center = MKMapPointForCoordinate(place);
-    const double radius = std::max(location->horizontalAccuracy(), 0.0) * MKMapPointsPerMeterAtLatitude(place.latitude);
-    const MKMapRect visible = visibleMapRect();
-    // The distance from the circle's centre to the visible rectangle; the world repeats to both sides.
-    const double middle = MKMapRectGetMidX(visible);
+    const MKMapPoint center = MKMapPointForCoordinate(location->coordinate());
+    const double radius = _userLocation->accuracyInMapPoints();
+    // The distance from the circle's centre to the rectangle; the world repeats to both sides.
+    const double middle = MKMapRectGetMidX(rect);
     const double x = std::remainder(center.x - middle, MKWorldSide);
-    const double dx = std::max(std::abs(x) - visible.size.width / 2, 0.0);
-    const double dy = std::max({visible.origin.y - center.y, center.y - MKMapRectGetMaxY(visible), 0.0});
+    const double dx = std::max(std::abs(x) - rect.size.width / 2, 0.0);
+    const double dy = std::max({rect.origin.y - center.y, center.y - MKMapRectGetMaxY(rect), 0.0});
     return std::hypot(dx, dy) <= radius;
 }
 

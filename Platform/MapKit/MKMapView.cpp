@@ -5,12 +5,13 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKAnnotationContainerView.h"
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKInertia.h"
 #include "Platform/MapKit/MKLabelLayer.h"
-#include "Platform/MapKit/MKMotion.h"
 #include "Platform/MapKit/MKOverlayLayer.h"
 #include "Platform/MapKit/MKOverlayList.h"
 #include "Platform/MapKit/MKTileLayer.h"
 #include "Platform/MapKit/MKUserLocation.h"
+#include "Platform/MapKit/MKWheelZoom.h"
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
 #include "Platform/UIKit/UIPinchGestureRecognizer.h"
 
@@ -62,12 +63,18 @@ void MKMapView::setZoomEnabled(bool enabled) {
         recognizer->setEnabled(enabled);
     }
     publishInputPolicy();
+    if (!enabled && dynamic_cast<const MKWheelZoom*>(_motion.get())) {
+        endChange();
+    }
 }
 
 void MKMapView::setScrollEnabled(bool enabled) {
     _scrollEnabled = enabled;
     _panRecognizer->setEnabled(enabled);
     publishInputPolicy();
+    if (!enabled && dynamic_cast<const MKInertia*>(_motion.get())) {
+        endChange();
+    }
 }
 
 void MKMapView::setTileSource(const std::shared_ptr<const MKTileSource>& source) {

@@ -62,7 +62,8 @@ public:
     MKMapType mapType() const { return _mapType; }
     void setMapType(MKMapType mapType);
 
-    /// Whether the user may change the scale, and move the map. Requests are not affected.
+    /// Whether the user may change the scale, and move the map; turning it off stops what the user has set in motion.
+    /// Requests are not affected.
     bool isZoomEnabled() const { return _zoomEnabled; }
     void setZoomEnabled(bool enabled);
     bool isScrollEnabled() const { return _scrollEnabled; }
@@ -172,6 +173,8 @@ private:
     /// Ends the change under way, if any, where its movement leads.
     void finishChange();
     void startMotion(std::unique_ptr<MKMotion> motion);
+    /// Finishes the change when no frame steps its movement for a while.
+    void awaitStep();
     void moveCamera(const MKCamera& camera);
     bool canAnimate() const;
 
@@ -183,7 +186,8 @@ private:
     void handlePinch(UIPinchGestureRecognizer& pinch);
     void handleZoomTap(const UIGestureRecognizer& tap, double factor);
     bool beginFingerChange();
-    void endFingerChange(CGPoint velocity);
+    /// With the last finger: ends the change, or goes on by inertia.
+    void endFingerChange();
     bool zoomByKey(double factor);
     bool panByKey(double directionX, double directionY);
     bool showWorldByKey();
@@ -195,6 +199,8 @@ private:
     void userLocated(const std::shared_ptr<const CLLocation>& location);
     void userNotLocated(const std::shared_ptr<NSError>& error);
     void removeUserLocation();
+    /// True while a position is known and its circle of accuracy meets the rectangle or a copy of it.
+    bool isUserLocationIn(const MKMapRect& rect) const;
 
     // Names: MKMapView+Labels.cpp
     void drawLabels(const UIGraphicsContext& context);
@@ -247,7 +253,8 @@ private:
 
     std::shared_ptr<UIPanGestureRecognizer> _panRecognizer;
     std::shared_ptr<UIPinchGestureRecognizer> _pinchRecognizer;
-    CGPoint _pinchMiddle; // of the fingers at the last step of a pinch
+    double _lastPinchTime = 0; // seconds; when two fingers last moved the map
+    CGPoint _panVelocity;      // of the drag that has ended while a pinch has not, in points a second
     std::vector<std::shared_ptr<UIGestureRecognizer>> _zoomTapRecognizers;
     std::weak_ptr<UIWindow> _policyWindow; // that knows what the map uses
 

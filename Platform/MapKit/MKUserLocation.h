@@ -21,6 +21,9 @@ public:
 
     /// The location's; not a number before the first one, so that the annotation is shown nowhere.
     CLLocationCoordinate2D coordinate() const override;
+    /// The radius of the circle in which the user is, in map points where the map shows the middle of it; two worlds at
+    /// most, 0 when it is not known.
+    double accuracyInMapPoints() const;
     /// The position is not the map's to change.
     void setCoordinate(CLLocationCoordinate2D) override {}
     /// "Current Location" until it is set.

@@ -1,10 +1,7 @@
 #include "Platform/MapKit/MKUserLocationView.h"
 
-#include "Platform/MapKit/MKGeometry.h"
 #include "Platform/MapKit/MKPinArtwork.h"
 #include "Platform/MapKit/MKSpriteCache.h"
-
-#include <cmath>
 
 namespace veyra {
 
@@ -22,11 +19,7 @@ MKUserLocationView::viewForLocation(const std::shared_ptr<MKUserLocation>& locat
 
 double MKUserLocationView::accuracyInMapPoints() const {
     const auto annotation = std::dynamic_pointer_cast<MKUserLocation>(this->annotation());
-    const auto location = annotation ? annotation->location() : nullptr;
-    if (!location || !(location->horizontalAccuracy() > 0) || !std::isfinite(location->horizontalAccuracy())) {
-        return 0;
-    }
-    return location->horizontalAccuracy() * MKMapPointsPerMeterAtLatitude(location->coordinate().latitude);
+    return annotation ? annotation->accuracyInMapPoints() : 0;
 }
 
 CGRect MKUserLocationView::extent() const {

@@ -16,7 +16,7 @@ public:
 
     /// Whether the location's accuracy is known and not perfect.
     bool showsAccuracy() const { return accuracyInMapPoints() > 0; }
-    /// The radius of the circle: the accuracy in metres as map points at the position. 0 for none.
+    /// The radius of the circle, 0 for none.
     double accuracyInMapPoints() const;
     CGRect extent() const override;
 

@@ -55,7 +55,7 @@ struct UIInputPolicy {
     bool usesDrags = false;          ///< one-finger and pointer drags
     bool usesScrolls = false;        ///< wheel and touchpad
     bool usesPinches = false;        ///< two-finger gestures
-    bool usesPanKeys = false;        ///< arrows, Home
+    bool usesPanKeys = false;        ///< arrows; with the next, Home
     bool usesZoomKeys = false;       ///< plus, minus
     bool usesNextKey = false;        ///< Tab
     bool usesPreviousKey = false;    ///< Tab with shift

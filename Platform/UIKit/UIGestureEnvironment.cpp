@@ -12,10 +12,15 @@ std::vector<UIGestureEnvironment::TrackedTouch>::iterator UIGestureEnvironment::
                         [identifier](const TrackedTouch& touch) { return touch.last.identifier == identifier; });
 }
 
-void UIGestureEnvironment::handleTouch(UIWindow& window, const UITouchEvent& event) {
-    if (!std::isfinite(event.location.x) || !std::isfinite(event.location.y) || !std::isfinite(event.timestamp))
-        return;
+void UIGestureEnvironment::handleTouch(UIWindow& window, const UITouchEvent& reported) {
+    UITouchEvent event = reported;
     const auto touch = find(event.identifier);
+    if (!std::isfinite(event.location.x) || !std::isfinite(event.location.y) || !std::isfinite(event.timestamp)) {
+        if (touch == _touches.end() || event.phase == UITouchPhase::Began || event.phase == UITouchPhase::Moved)
+            return;
+        event.location = touch->last.location;
+        event.timestamp = touch->last.timestamp;
+    }
     if (event.phase == UITouchPhase::Began) {
         if (touch != _touches.end()) {
             UITouchEvent cancelled = touch->last;

@@ -16,7 +16,8 @@ class UIWindow;
 class UIGestureEnvironment {
 public:
     /// Delivers the event. The caller keeps the window alive. A touch that begins again while it is down is cancelled
-    /// first; events of unknown touches, and those whose location or time is not finite, are ignored.
+    /// first; events of unknown touches, and those whose location or time is not finite, are ignored, but that the end
+    /// of a touch without such ends it where and when it was last.
     void handleTouch(UIWindow& window, const UITouchEvent& event);
     /// Cancels every touch that is down.
     void cancelTouches();

@@ -54,6 +54,7 @@ CGPoint UIGestureRecognizer::middleOfTouches() const {
 
 void UIGestureRecognizer::handleTouch(const UITouchEvent& event) {
     const auto self = shared_from_this(); // the handler may drop the last reference
+    _timestamp = event.timestamp;
     const auto touch = findTouch(event.identifier);
     switch (event.phase) {
     case UITouchPhase::Began:

@@ -36,6 +36,8 @@ public:
     /// The middle of the touches that the gesture follows, in the view's points; after the last one was lifted, where
     /// it was last.
     CGPoint locationInView() const;
+    /// The time of the last event of a touch of the gesture, in seconds.
+    double timestamp() const { return _timestamp; }
     /// How many touches the gesture follows now.
     size_t numberOfTouches() const { return std::min(_touches.size(), maximumFollowedTouches()); }
 
@@ -110,6 +112,7 @@ private:
     bool _takesKeptTouches = false;
     std::vector<Touch> _touches;
     CGPoint _location;
+    double _timestamp = 0;
     std::vector<std::weak_ptr<UIGestureRecognizer>> _waiting;
 };
 

@@ -2,6 +2,8 @@
 
 #include "Platform/UIKit/UIPanGestureRecognizer.h"
 
+#include <utility>
+
 namespace veyra {
 
 using State = UIGestureRecognizerState;
@@ -28,6 +30,7 @@ double UIPinchGestureRecognizer::distanceOfTouches() const {
 
 void UIPinchGestureRecognizer::rebase(double timestamp) {
     _distance = distanceOfTouches();
+    _middle = middleOfTouches();
     if (state() == State::Possible)
         _baseDistance = _distance;
     _velocity.add(timestamp, {_logarithm, 0});
@@ -43,10 +46,12 @@ void UIPinchGestureRecognizer::touchMoved(const UITouchEvent& event) {
         return;
     const double growth = distanceOfTouches() / _distance;
     _distance = distanceOfTouches();
+    const CGPoint former = std::exchange(_middle, middleOfTouches());
     _logarithm += std::log(growth);
     _velocity.add(event.timestamp, {_logarithm, 0});
     if (isActive()) {
         _scale *= growth;
+        _translation = {_translation.x + _middle.x - former.x, _translation.y + _middle.y - former.y};
         setState(State::Changed);
     } else if (std::abs(_distance - _baseDistance) > slop) {
         _scale = _distance / (_baseDistance + std::copysign(slop, _distance - _baseDistance));
@@ -66,6 +71,7 @@ void UIPinchGestureRecognizer::touchEnded(const UITouchEvent& event) {
 void UIPinchGestureRecognizer::reset() {
     _logarithm = 0;
     _scale = 1;
+    _translation = {};
     _velocity.clear();
 }
 

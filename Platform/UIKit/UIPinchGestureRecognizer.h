@@ -15,6 +15,10 @@ public:
     /// The touches' distance relative to that at the beginning, or since `setScale` gave a value to go on from.
     double scale() const { return _scale; }
     void setScale(double scale) { _scale = scale; }
+    /// Points that the touches' middle has moved since the beginning, or since `setTranslation` gave a value to go on
+    /// from; one touch taking another's place moves nothing.
+    CGPoint translationInView() const { return _translation; }
+    void setTranslation(CGPoint translation) { _translation = translation; }
     /// The change of the scale a second: the scale times the growth of its logarithm over the last 50 milliseconds.
     double velocity() const { return _scale * _velocity.velocity().x; }
 
@@ -33,7 +37,9 @@ private:
 
     double _baseDistance = 0; // points, when the second touch began: what the slop is measured from
     double _distance = 0;     // points, at the last event
-    double _logarithm = 0;    // of the whole growth since the first touch
+    CGPoint _middle;          // of the touches at the last event
+    CGPoint _translation;
+    double _logarithm = 0; // of the whole growth since the first touch
     double _scale = 1;
     VelocityTracker _velocity;
 };

@@ -66,6 +66,11 @@ std::shared_ptr<ScriptContext> ScriptContext::existing(JSContextRef context) {
     return found ? found->shared_from_this() : nullptr;
 }
 
+void ScriptContext::noteDeparture() {
+    for (const auto& [global, context] : registry())
+        context->_helpers.noteDeparture();
+}
+
 size_t ScriptContext::liveContexts() {
     return registry().size();
 }

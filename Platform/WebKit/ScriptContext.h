@@ -80,6 +80,8 @@ public:
     /// The function that a source text (a constant of the program) stands for, compiled in the page at the first call
     /// and kept; null when the page cannot compile it. It sees nothing of the page but what it is called with.
     JSObjectRef helperFunction(const char* source);
+    /// A native object of whatever context has left its script object.
+    static void noteDeparture();
     /// Live contexts of the process, for tests.
     static size_t liveContexts();
 

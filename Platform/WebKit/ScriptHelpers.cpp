@@ -74,13 +74,15 @@ std::string numericSource(const NSString& name, const WebNumericMethod& method, 
         stores += "numbers[" + std::to_string(attribute) + "] = v" + std::to_string(keys.size() + i) + ";\n";
     }
     return "(function (compute, proceed, maker, kindOf, own, numbers, stop) { 'use strict';\nlet make;\nreturn { " +
-           quoted(name) + "(object = undefined) {\nlet n = 0, end = 0, kind = 0, last" + variables +
+           quoted(name) + "(object = undefined) {\nconst left = stop[1];\nlet n = 0, end = 0, kind = 0, last" +
+           variables +
            ";\nread: if (typeof object === 'object' && object !== null && stop[0] === 0) {\nkind = kindOf(object);\n"
            "if (kind !== 0 && kind !== own) break read;\ntry {\nif (kind === 0) {\n" +
            checks + "}\n" + reads + "} catch (error) { end = 2; last = error; break read; }\n" + stores +
-           "if (compute(this) === undefined) {\nif (make === undefined) make = maker();\nreturn make();\n}\n}\nif "
+           "if (stop[1] === left && compute(this) === undefined) {\nif (make === undefined) make = maker();\nreturn "
+           "make();\n}\n}\nif "
            "(kind !== 0) n = end = 0;\n"
-           "return proceed(this, object, n, end, last" +
+           "return proceed(this, object, n, end, last, stop[1] - left" +
            variables + ");\n} }[" + quoted(name) + "]; })";
 }
 
@@ -120,7 +122,7 @@ const ScriptHelpers::Shared& ScriptHelpers::shared() {
     Shared fresh;
     fresh.argumentArray = makeArray(script, maximumArguments, fresh.arguments);
     fresh.stopOwner = contextOfNoPage(script);
-    fresh.stopArray = makeArray(fresh.stopOwner.get(), 1, fresh.stop);
+    fresh.stopArray = makeArray(fresh.stopOwner.get(), 2, fresh.stop);
     fresh.valueClass = evaluate(valueClassSource);
     JSStringRef name = JSStringCreateWithUTF8CString("kindOf");
     fresh.kindOf = made(JSObjectGetProperty(script, fresh.valueClass, name, nullptr)); // kept by the class
@@ -156,6 +158,11 @@ JSObjectRef ScriptHelpers::makeNumericFunction(const NSString& name, const WebNu
 void ScriptHelpers::setStopped(bool stopped) {
     if (_shared.stop)
         *_shared.stop = stopped;
+}
+
+void ScriptHelpers::noteDeparture() {
+    if (_shared.stop)
+        ++_shared.stop[1];
 }
 
 // The page may be gone with all that it kept, or its script may be running a helper just now.

@@ -52,8 +52,9 @@ public:
 
     /// A script function of that name for a numeric method. It reads the keys of its argument as long as they are
     /// numbers. When all are, it puts the argument's attributes into `arguments()`, calls compute(this) and, when that
-    /// returns undefined, makes the result with the function that maker() returns. Else it returns
-    /// proceed(this, argument, count of numbers read, ScriptReadEnd, what was read last, numbers…).
+    /// returns undefined, makes the result with the function that maker() returns. Else, and when native objects have
+    /// left meanwhile, it returns proceed(this, argument, count of numbers read, ScriptReadEnd, what was read last,
+    /// count of those objects, numbers…).
     JSObjectRef makeNumericFunction(const NSString& name, const WebNumericMethod& method, JSObjectRef compute,
                                     JSObjectRef proceed, JSObjectRef maker);
     static constexpr size_t maximumArguments = 4;
@@ -68,10 +69,13 @@ public:
     /// See ScriptElementReader.cpp. Without a function for want of memory.
     const ElementReader& elementReader(const ScriptKeySequence& sequence);
 
-    /// An array of one number: when it is not 0, the page is not to be read, and a helper that is reading stops.
+    /// An array of numbers. When the first is not 0, the page is not to be read, and a helper that is reading stops.
+    /// The second counts the native objects that have left their script objects.
     JSObjectRef stopArray() { return shared().stopArray; }
     /// The page is hidden, or shown again.
     void setStopped(bool stopped);
+    /// A native object has left its script object, perhaps by what a read of a page ran.
+    void noteDeparture();
     /// The page has gone, perhaps by what a read of it ran.
     void end();
 

@@ -3,6 +3,7 @@
 #include "Platform/WebKit/ScriptCall.h"
 #include "Platform/WebKit/ScriptNumericArgument.h"
 #include "Platform/WebKit/WebScriptObject.h"
+#include "Platform/WebKit/WebThread.h"
 
 #include <algorithm>
 #include <array>
@@ -47,6 +48,26 @@ struct Exposure {
 Exposure& exposure() {
     static auto* made = new Exposure;
     return *made;
+}
+
+struct Departure {
+    JSObjectRef thisObject;
+    std::shared_ptr<NSObject> object;
+};
+
+// Of this turn of the web thread, in their order.
+std::vector<Departure>& departures() {
+    static auto* made = new std::vector<Departure>;
+    return *made;
+}
+
+/// The object that was behind `thisObject` before the last `count` departures, if it is one of them.
+std::shared_ptr<NSObject> objectBefore(size_t count, JSObjectRef thisObject) {
+    const auto& all = departures();
+    for (size_t i = all.size() - std::min(count, all.size()); i < all.size(); ++i)
+        if (all[i].thisObject == thisObject)
+            return all[i].object;
+    return nullptr;
 }
 
 constexpr size_t maximumKeys = 24;
@@ -126,14 +147,17 @@ JSValueRef writeKey(size_t index, JSContextRef script, JSObjectRef thisObject, J
 }
 
 JSValueRef callMethod(size_t index, JSContextRef script, JSObjectRef thisObject, size_t count,
-                      const JSValueRef values[], JSValueRef* exception, ScriptValuesAhead* ahead = nullptr) {
+                      const JSValueRef values[], JSValueRef* exception, ScriptValuesAhead* ahead = nullptr,
+                      std::shared_ptr<NSObject> object = nullptr) {
     const auto context = ScriptContext::existing(script);
     if (!context)
         return throwPageGone(script, exception);
-    NSObject* const found = exposure().resolver(script, thisObject);
-    if (!found)
-        return throwError(script, exception, "TypeError", "The method was called on an object that is no map");
-    const auto object = found->shared_from_this();
+    if (!object) {
+        NSObject* const found = exposure().resolver(script, thisObject);
+        if (!found)
+            return throwError(script, exception, "TypeError", "The method was called on an object that is no map");
+        object = found->shared_from_this();
+    }
     return ScriptCall::run(*context, script, exception, [&]() -> JSValueRef {
         const ExposedMethod& exposed = exposure().methods[index];
         std::array<id, maximumParameters> arguments;
@@ -180,13 +204,14 @@ JSValueRef makerOfResult(size_t index, JSContextRef script) {
 
 JSValueRef proceedWithMethod(size_t index, JSContextRef script, size_t count, const JSValueRef values[],
                              JSValueRef* exception) {
-    constexpr size_t firstNumber = 5;
+    constexpr size_t firstNumber = 6;
     const NumericMethod& numeric = exposure().numericMethods[index];
     const auto number = [&](size_t i) { return static_cast<size_t>(JSValueToNumber(script, values[i], nullptr)); };
     ScriptNumericArgument ahead(script, numeric.reads, std::span(values, count).subspan(firstNumber, number(2)),
                                 static_cast<ScriptReadEnd>(number(3)), values[4]);
     JSObjectRef thisObject = JSValueIsObject(script, values[0]) ? JSValueToObject(script, values[0], nullptr) : nullptr;
-    return callMethod(numeric.exposed, script, thisObject, 1, values + 1, exception, &ahead);
+    return callMethod(numeric.exposed, script, thisObject, 1, values + 1, exception, &ahead,
+                      objectBefore(number(5), thisObject));
 }
 
 template <size_t I>
@@ -366,6 +391,13 @@ private:
 };
 
 } // namespace
+
+void objectLeaves(JSObjectRef thisObject, std::shared_ptr<NSObject> object) {
+    if (departures().empty())
+        webThread().async([] { departures().clear(); });
+    departures().push_back({thisObject, std::move(object)});
+    ScriptContext::noteDeparture();
+}
 
 void exposeClass(ScriptContext& context, JSObjectRef target, Class cls, const std::vector<NSString>& keys,
                  ScriptObjectResolver resolver) {

@@ -119,9 +119,40 @@ TEST_F(NumericCalls, AGetterMayMakeTheSameCall) {
               "true");
 }
 
-TEST_F(NumericCalls, AGetterThatTakesTheMapAwayLeavesNoMapToCall) {
-    defineFunction("stopMap", [this] { instance().stop(); });
-    EXPECT_EQ(run("map.convertPointToCoordinate({ x: 1, get y() { stopMap(); return 2 } })"),
+TEST_F(NumericCalls, AGetterMayTakeTheMapAwayAndTheCallEndsAsItWould) {
+    const std::string noMap = "threw: TypeError: The method was called on an object that is no map";
+    for (const char* values : {"[1, 2]", "['1', 2]", "[1, '2']"}) {
+        for (int read = 0; read < 4; ++read) {
+            const auto victim = makeMap("victim");
+            onMain([&] { victim->window()->setSize({320, 480}, 1); });
+            settle();
+            defineFunction("takeVictim", [this] { takeAway("victim"); });
+            EXPECT_EQ(run("values = " + std::string(values) +
+                          "; expected = JSON.stringify(victim.convertPointToCoordinate({ x: values[0], y: values[1] "
+                          "})); reads = 0; argument = { get x() { return this.read(0) }, get y() { return this.read(1) "
+                          "}, read(i) { if (reads++ === " +
+                          std::to_string(read) +
+                          ") takeVictim(); return values[i] } }; "
+                          "JSON.stringify(victim.convertPointToCoordinate(argument)) === expected"),
+                      "true")
+                << values << ' ' << read;
+            EXPECT_EQ(run("reads"), "4");
+            EXPECT_EQ(run("victim.convertPointToCoordinate({ x: 1, y: 2 })"), noMap);
+            EXPECT_EQ(run("victim.convertPointToCoordinate({ x: 1, y: '2' })"), noMap);
+            settle();
+            EXPECT_EQ(VeyraView::liveViews(), 1u);
+        }
+    }
+}
+
+TEST_F(NumericCalls, AGetterThatTakesAnotherMapAwayDoesNotMatter) {
+    makeMap("other");
+    defineFunction("takeOther", [this] { takeAway("other"); });
+    EXPECT_EQ(run("JSON.stringify(map.convertPointToCoordinate({ x: 1, get y() { if (other.mapType === 0) takeOther(); "
+                  "return 2 } })) === JSON.stringify(map.convertPointToCoordinate({ x: 1, y: 2 }))"),
+              "true");
+    makeMap("other");
+    EXPECT_EQ(run("map.convertPointToCoordinate.call({}, { x: 1, get y() { takeOther(); return 2 } })"),
               "threw: TypeError: The method was called on an object that is no map");
 }
 

@@ -2,6 +2,9 @@
 #include "Platform/MapKit/MKUserLocation.h"
 #include "Platform/WebKit/UIWebViewWebViewDelegate.h"
 #include "Tests/Classes/ViewFixture.h"
+#include "Tests/Platform/Foundation/CapturedLog.h"
+
+#include <thread>
 
 namespace veyra {
 
@@ -198,6 +201,36 @@ TEST_F(UserLocation, AContradictingDenyLeavesTheMapAsItIs) {
     run("map.showsUserLocation = false");
     settle();
     EXPECT_EQ(recorded(), "mapDidStopUpdatingUserLocation");
+}
+
+TEST_F(UserLocation, AnAnswerMayComeOnAnyThread) {
+    const auto answerElsewhere = [&](const char* how) {
+        run("map.showsUserLocation = true");
+        std::thread([&] { delegate->answer(how); }).join();
+        settle();
+    };
+    answerElsewhere("deny");
+    EXPECT_EQ(recorded(), "mapUpdateUserLocationFailed -1");
+    EXPECT_EQ(shows(), "false");
+    answerElsewhere("allow");
+    EXPECT_EQ(recorded(), "mapWillStartUpdatingUserLocation");
+    EXPECT_TRUE(mapView().showsUserLocation());
+}
+
+TEST_F(UserLocation, NothingOfItIsLogged) {
+    onMain([&] { view().setVerboseDebugLoggingEnabled(true); });
+    const CapturedLog log;
+    for (const char* answer : {"deny", "denyOnlyThisRequest", "allow"}) {
+        run("map.showsUserLocation = true");
+        delegate->answer(answer);
+        settle();
+    }
+    locate(1, 2);
+    onMain([&] { provider->fail(); });
+    run("map.showsUserLocation = false; map.userLocation = 5; map.userLocationVisible = 5");
+    delegate->answer("allow");
+    settle();
+    EXPECT_EQ(log.lines(), std::vector<std::string>{});
 }
 
 TEST_F(UserLocation, ShouldClearCacheIsAlwaysYes) {

@@ -3,6 +3,8 @@
 #include "Platform/WebKit/WebScriptExposure.h"
 #include "Platform/WebKit/WebThread.h"
 
+#include <algorithm>
+
 // Exported by the engine for debugging; the public call only asks for a collection.
 extern "C" void JSSynchronousGarbageCollectForDebugging(JSContextRef);
 
@@ -210,6 +212,14 @@ void ViewFixture::expose(const std::string& name, const std::shared_ptr<PlugInIn
     JSValueProtect(global, object);
     _maps.push_back({object, instance});
     exposeClass(*context, object, VeyraView::classObject(), VeyraView::scriptingKeys(), resolve);
+}
+
+void ViewFixture::takeAway(const std::string& name) {
+    JSObjectRef object = JSValueToObject(global, evaluate(name), nullptr);
+    const auto map =
+        std::find_if(_maps.begin(), _maps.end(), [&](const auto& shown) { return shown.object == object; });
+    objectLeaves(object, map->instance->view());
+    map->instance->stop();
 }
 
 NSObject* ViewFixture::resolve(JSContextRef, JSObjectRef object) {

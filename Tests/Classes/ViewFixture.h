@@ -58,6 +58,8 @@ protected:
     std::shared_ptr<PlugInInstance> makeMap(const std::string& name = "map");
     /// The script object of that name stands for the view.
     void expose(const std::string& name, const std::shared_ptr<PlugInInstance>& instance);
+    /// Stops the map of that script object as a host does whose page takes it away.
+    void takeAway(const std::string& name);
     /// The first map made.
     PlugInInstance& instance() { return *_maps.front().instance; }
     VeyraView& view() { return *instance().view(); }

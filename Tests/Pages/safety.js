@@ -39,6 +39,18 @@ behaviour('a getter may remove the element in the middle of a call', async () =>
     await mapsStillWork();
 });
 
+behaviour('a conversion whose argument removes the element ends as it would', async () => {
+    const map = addMap();
+    await until(() => map.region.latitudeDelta > 0, 'the first region');
+    const point = { x: 20, y: 30 };
+    const expected = JSON.stringify(map.convertPointToCoordinate(point));
+    const removing = { ...point, get y() { map.remove(); return 30; } };
+    equal(JSON.stringify(map.convertPointToCoordinate(removing)), expected, 'the coordinate');
+    equal(message(() => map.convertPointToCoordinate(point)),
+        'TypeError: The method was called on an object that is no map', 'the next call');
+    await mapsStillWork();
+});
+
 behaviour('a getter that throws reads as absent', () => {
     const map = addMap();
     const region = { ...vienna };

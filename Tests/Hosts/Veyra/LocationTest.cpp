@@ -59,6 +59,14 @@ TEST_F(Location, AnAllowedScriptIsToldThePlace) {
     EXPECT_EQ(ended.status, 0);
 }
 
+TEST_F(Location, APlaceSouthOfTheEquatorIsNoOption) {
+    const Finished ended = script({"--geolocation", "allow", "--location", "-33.9,151.2"},
+                                  "map.listener = { mapDidUpdateUserLocation(at) { console.log(at.latitude); } };"
+                                  "map.showsUserLocation = true");
+    EXPECT_EQ(ended.output, "-33.9\n");
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+}
+
 TEST_F(Location, AnAllowedScriptWithoutAPlaceIsToldSo) {
     const Finished ended = script({"--geolocation", "allow"});
     EXPECT_EQ(ended.output, "mapWillStartUpdatingUserLocation\nmapUpdateUserLocationFailed 0\n");
@@ -102,6 +110,12 @@ TEST_F(Location, BadOptionsSayWhatIsWrong) {
         {{"--location", "1,2", "--location-track", track()}, "excludes"},
         {{"--speed", "2"}, "--speed requires --location-track"},
         {{"--geolocation", "perhaps"}, "--geolocation: "},
+        {{"--location-track", track(), "--speed", "0"}, "--speed: "},
+        {{"--location-track", track(), "--speed", "-1"}, "--speed: "},
+        {{"--location-track", track(), "--speed", "nan"}, "--speed: "},
+        {{"--location-track", track(), "--speed", "inf"}, "--speed: "},
+        {{"--location-track", track(), "--speed", "fast"}, "--speed"},
+        {{"--timeout", "nan"}, "--timeout: "},
     };
     for (const auto& [options, message] : cases) {
         const Finished refused = script(options);

@@ -68,6 +68,36 @@ TEST_F(GPX, TimesNeverGoBack) {
               "0: 1 1 ±5 0 ±-1\n1: 2 1 ±5 0 ±-1\n2: 3 1 ±5 0 ±-1\n");
 }
 
+TEST_F(GPX, TimesCountFromTheFirstPointThatHasOne) {
+    EXPECT_EQ(read("<gpx><trk><trkseg><trkpt lat='1' lon='1'/><trkpt lat='2' lon='1'/>"
+                   "<trkpt lat='3' lon='1'><time>2020-05-01T10:00:00Z</time></trkpt>"
+                   "<trkpt lat='4' lon='1'><time>2020-05-01T10:00:05Z</time></trkpt></trkseg></trk></gpx>"),
+              "0: 1 1 ±5 0 ±-1\n1: 2 1 ±5 0 ±-1\n2: 3 1 ±5 0 ±-1\n7: 4 1 ±5 0 ±-1\n");
+}
+
+TEST_F(GPX, TimesWithoutAZoneAreUTCAndMayBeEqual) {
+    EXPECT_EQ(read("<gpx><trk><trkseg><trkpt lat='1' lon='1'><time>2020-05-01T10:00:00Z</time></trkpt>"
+                   "<trkpt lat='2' lon='1'><time>2020-05-01T10:00:30</time></trkpt>"
+                   "<trkpt lat='3' lon='1'><time>2020-05-01T10:00:30</time></trkpt></trkseg></trk></gpx>"),
+              "0: 1 1 ±5 0 ±-1\n30: 2 1 ±5 0 ±-1\n30: 3 1 ±5 0 ±-1\n");
+}
+
+TEST_F(GPX, FilesThatBeginWithAByteOrderMark) {
+    EXPECT_EQ(read("\xef\xbb\xbf<?xml version='1.0'?><gpx><rte><rtept lat='1' lon='2'/></rte></gpx>"),
+              "0: 1 2 ±5 0 ±-1\n");
+    EXPECT_EQ(problem, "");
+}
+
+TEST_F(GPX, AHundredThousandPoints) {
+    std::string content = "<gpx><trk><trkseg>";
+    for (int i = 0; i < 100000; ++i)
+        content += "<trkpt lat='1' lon='2'><ele>3</ele></trkpt>\n";
+    problem.clear();
+    const LocationTrack track = readGPX(folder.write("track.gpx", content + "</trkseg></trk></gpx>"), problem);
+    ASSERT_EQ(track.size(), 100000u) << problem;
+    EXPECT_EQ(track.back().time, 99999);
+}
+
 TEST_F(GPX, RoutesWithoutTracks) {
     EXPECT_EQ(read("<gpx><wpt lat='9' lon='9'/><rte><rtept lat='1' lon='2'/><rtept lat='3' lon='4'/></rte></gpx>"),
               "0: 1 2 ±5 0 ±-1\n1: 3 4 ±5 0 ±-1\n");
@@ -85,6 +115,31 @@ TEST_F(GPX, ProblemsNameTheFileAndThePlace) {
     problem.clear();
     EXPECT_TRUE(readGPX("/nowhere/track.gpx", problem).empty());
     EXPECT_EQ(problem, "cannot read /nowhere/track.gpx: No such file or directory");
+    EXPECT_TRUE(readGPX("/", problem).empty());
+    EXPECT_EQ(problem, "cannot read /: Is a directory");
+    EXPECT_EQ(read(""), "");
+    EXPECT_EQ(problem.find(folder.file("track.gpx") + ": "), 0u) << problem;
+}
+
+TEST(LocationPlayer, TellsAllFixesOfOneMomentInTheirOrder) {
+    LocationTrack track;
+    for (int i = 0; i < 4; ++i)
+        track.push_back({i ? 1.0 : 0.0, std::make_shared<CLLocation>(CLLocationCoordinate2DMake(i, 0), 0, 5, -1)});
+    LocationPlayer player(track, 20);
+    std::vector<double> told;
+    const auto play = [&](size_t last) {
+        player.start([&, last](const std::shared_ptr<const CLLocation>& location) {
+            told.push_back(location->coordinate().latitude);
+            if (told.size() == last)
+                player.stop();
+        });
+        while (player.isPlaying())
+            g_main_context_iteration(nullptr, TRUE);
+    };
+    play(3);
+    EXPECT_EQ(told, (std::vector<double>{0, 1, 2}));
+    play(9);
+    EXPECT_EQ(told, (std::vector<double>{0, 1, 2, 3})); // where the user is just now
 }
 
 TEST(LocationPlayer, TellsEachFixInItsTimeAndGoesOnWhileNobodyListens) {

@@ -73,7 +73,7 @@ public:
     void touch(GdkEventType type, int finger, double x, double y);
     void button(GdkEventType type, double x, double y);
     void motion(double x, double y, bool isPressed);
-    void scroll(double x, double y, double deltaY, GdkModifierType modifiers = {});
+    void scroll(double x, double y, double deltaY, GdkModifierType modifiers = {}, double deltaX = 0);
     void key(guint keyval);
 
     /// Addresses that pages wanted to open in windows of their own; they get none.

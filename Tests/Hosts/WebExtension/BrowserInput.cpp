@@ -54,11 +54,12 @@ void Browser::motion(double x, double y, bool isPressed) {
     send(event, pointer());
 }
 
-void Browser::scroll(double x, double y, double deltaY, GdkModifierType modifiers) {
+void Browser::scroll(double x, double y, double deltaY, GdkModifierType modifiers, double deltaX) {
     GdkEvent* event = gdk_event_new(GDK_SCROLL);
     event->scroll.time = now();
     event->scroll.direction = GDK_SCROLL_SMOOTH;
     event->scroll.state = modifiers;
+    event->scroll.delta_x = deltaX;
     event->scroll.delta_y = deltaY;
     event->scroll.x = event->scroll.x_root = x;
     event->scroll.y = event->scroll.y_root = y;

@@ -202,6 +202,31 @@ TEST_F(Input, TheWheelScrollsThePageWhenTheMapDoesNotZoom) {
     EXPECT_NEAR(centre("latitudeDelta"), before, 1e-9);
 }
 
+TEST_F(Input, AWheelThatTurnsSidewaysScrollsThePage) {
+    browser.run("document.body.style.width = '3000px'; return ''");
+    const double before = centre("latitudeDelta");
+    browser.scroll(200, 150, 0, {}, 3);
+    EXPECT_TRUE(Browser::waitUntil([&] { return browser.run("return scrollX > 0") == "true"; }));
+    EXPECT_EQ(seen(), "wheel");
+    EXPECT_NEAR(centre("latitudeDelta"), before, 1e-9);
+    browser.run("document.body.style.width = ''; return ''");
+}
+
+TEST_F(Input, HomeIsTheMapsOnlyWhereItMovesAndZooms) {
+    browser.button(GDK_BUTTON_PRESS, 200, 150);
+    browser.button(GDK_BUTTON_RELEASE, 200, 150);
+    seen();
+    for (const auto& [settings, expected] : {std::pair("zoomEnabled = false", "keydown"),
+                                             {"scrollEnabled = false", "keydown"},
+                                             {"zoomEnabled = map.scrollEnabled = true", "keydown used"}}) {
+        browser.run("map.zoomEnabled = map.scrollEnabled = true; map." + std::string(settings) + "; return ''");
+        browser.waitUntilIdle();
+        browser.key(GDK_KEY_Home);
+        EXPECT_EQ(seen(), expected) << settings;
+    }
+    EXPECT_GT(centre("longitudeDelta"), 300);
+}
+
 TEST_F(Input, ArrowKeysMoveTheFocusedMapAndOthersStayWithThePage) {
     const double before = centre("longitude");
     browser.button(GDK_BUTTON_PRESS, 200, 150);

@@ -54,6 +54,21 @@ TEST_F(Dragging, LiftsAfterHalfASecondAndSetsDown) {
     EXPECT_EQ(delegate->regionChanges, 0);
 }
 
+TEST_F(Dragging, ATouchOnAViewStopsAMapInMotion) {
+    showAround();
+    const auto a = draggable({0, 0});
+    map->setCenterCoordinateAnimated({0, 3}, true);
+    frames(3);
+    const CGPoint place = pointOf(a);
+    touch(1, UITouchPhase::Began, {place.x, place.y - 20});
+    const MKMapRect stopped = map->visibleMapRect();
+    frames(30);
+    EXPECT_EQ(map->visibleMapRect(), stopped);
+    EXPECT_LT(map->region().center.longitude, 2.9);
+    touch(1, UITouchPhase::Ended, {place.x, place.y - 20});
+    EXPECT_EQ(takeCalls(), Calls{"selected a"});
+}
+
 TEST_F(Dragging, IsNotForViewsThatAreNotDraggable) {
     showAround();
     add("a", {0, 0});

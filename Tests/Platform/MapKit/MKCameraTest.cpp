@@ -68,6 +68,30 @@ TEST(RegionThatFits, ShowsTheWholeRequestAtItsCentre) {
     }
 }
 
+TEST(RegionThatFits, ASpanOfZeroAsksForTheOtherOneAlone) {
+    const MKCoordinateRegion tall = fitted({{48, 16}, {2, 0}});
+    const MKMapRect tallRect = MKMapRectForCoordinateRegion(tall);
+    EXPECT_NEAR(MKCoordinateForMapPoint(tallRect.origin).latitude, 49, 1e-9);
+    const MKCoordinateRegion wide = fitted({{48, 16}, {0, 2}});
+    EXPECT_NEAR(wide.span.longitudeDelta, 2, 1e-10);
+    expectSame(fitted({{48, 16}, {-5, 2}}), wide, 1e-10);
+}
+
+TEST(RegionThatFits, TakesAnyFiniteNumbers) {
+    const double huge = std::numeric_limits<double>::max(), tiny = std::numeric_limits<double>::denorm_min();
+    for (const double latitude : {-huge, -tiny, huge}) {
+        for (const double longitude : {-huge, tiny, huge}) {
+            for (const double span : {-huge, 0.0, tiny, huge}) {
+                const MKCoordinateRegion shown = fitted({{latitude, longitude}, {span, span}});
+                EXPECT_TRUE(MKCoordinateRegionIsFinite(shown)) << latitude << ' ' << longitude << ' ' << span;
+                EXPECT_GE(shown.center.longitude, -180);
+                EXPECT_LT(shown.center.longitude, 180);
+                EXPECT_LE(std::abs(shown.center.latitude), MKMaximumLatitude);
+            }
+        }
+    }
+}
+
 TEST(RegionThatFits, KeepsARegionThatFitsAlready) {
     for (const double latitude : {-70.0, -10.0, 0.0, 48.0, 75.0}) {
         const MKCoordinateRegion once = fitted({{latitude, 170}, {8, 8}});

@@ -2,6 +2,8 @@
 
 #include "Tests/Platform/Foundation/CapturedLog.h"
 
+#include <glib.h>
+
 #include <limits>
 
 namespace veyra {
@@ -228,6 +230,19 @@ TEST_F(MKMapViewRegion, AnAnimatedSetInAHiddenWindowIsDoneAtOnce) {
     expectCenter(*map, 48.2, 16.4);
 }
 
+TEST_F(MKMapViewRegion, AMovementThatNoFrameStepsAnyMoreComesToItsEnd) {
+    show();
+    map->setCenterCoordinateAnimated({1, 1}, true);
+    frames(3);
+    window->setVisible(false);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~"}));
+    while (delegate->regionCalls().size() < 2) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~", "did~"}));
+    expectCenter(*map, 1, 1);
+}
+
 TEST_F(MKMapViewRegion, ARequestFromTheWillChangeReplacesTheOneThatCausedIt) {
     show();
     delegate->onWill = [&](MKMapView& changing) {
@@ -237,6 +252,76 @@ TEST_F(MKMapViewRegion, ARequestFromTheWillChangeReplacesTheOneThatCausedIt) {
     map->setRegion(vienna);
     EXPECT_EQ(delegate->regionCalls(), (Calls{"will", "did", "will", "did"}));
     expectCenter(*map, 10, 10);
+}
+
+TEST_F(MKMapViewRegion, ARequestFromTheDidChangeReplacesTheOneThatCausedIt) {
+    show();
+    map->setCenterCoordinateAnimated({1, 1}, true);
+    frames(5);
+    delegate->onDid = [&](MKMapView& changing) {
+        delegate->onDid = nullptr;
+        changing.setCenterCoordinateAnimated({10, 10}, true);
+    };
+    map->setRegion(vienna);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~", "did~", "will~"}));
+    frames(120);
+    EXPECT_EQ(delegate->regionCalls(), (Calls{"will~", "did~", "will~", "did~"}));
+    expectCenter(*map, 10, 10);
+}
+
+TEST_F(MKMapViewRegion, ADelegateMayDropTheMapInItsReport) {
+    show();
+    std::weak_ptr<MKMapView> dropped = map;
+    const std::function<void()> changes[] = {
+        [&] { dropped.lock()->setRegion(vienna); },
+        [&] {
+            dropped.lock()->setCenterCoordinateAnimated({1, 1}, true);
+        },
+        [&] {
+            dropped.lock()->setFrame({{0, 0}, {50, 50}});
+            window->layoutIfNeeded();
+        },
+        [&] {
+            scroll({100, 100}, -50);
+        },
+        [&] {
+            touch(1, UITouchPhase::Began, {100, 100});
+            now += 0.1;
+            touch(1, UITouchPhase::Moved, {200, 100});
+            touch(1, UITouchPhase::Ended, {200, 100});
+        },
+        [&] {
+            touch(1, UITouchPhase::Began, {100, 100});
+            touch(2, UITouchPhase::Began, {150, 100});
+            touch(2, UITouchPhase::Moved, {200, 100});
+            touch(1, UITouchPhase::Ended, {100, 100});
+            touch(2, UITouchPhase::Ended, {200, 100});
+        },
+        [&] {
+            dropped.lock()->setCenterCoordinateAnimated({1, 1}, true);
+            while (!dropped.expired()) { // no frame steps the movement
+                g_main_context_iteration(nullptr, TRUE);
+            }
+        },
+    };
+    for (const auto report : {&RecordingDelegate::onWill, &RecordingDelegate::onDid}) {
+        for (const auto& change : changes) {
+            (*delegate).*report = [&](MKMapView& reporting) {
+                map = nullptr;
+                reporting.removeFromSuperview();
+            };
+            change();
+            frames(120);
+            EXPECT_TRUE(dropped.expired()) << &change - changes;
+            (*delegate).*report = nullptr;
+            map = UIView::make<MKMapView>(host->bounds());
+            map->setTileSource(source);
+            map->setDelegate(delegate);
+            host->addSubview(map);
+            settle();
+            dropped = map;
+        }
+    }
 }
 
 TEST_F(MKMapViewRegion, ReportsCentersInsideTheWorld) {

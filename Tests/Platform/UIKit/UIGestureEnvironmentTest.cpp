@@ -116,6 +116,18 @@ TEST_F(UIGestureEnvironmentTest, WhatIsNotFiniteIsIgnored) {
     EXPECT_NEAR(pan->translationInView().x, 10, 1e-9);
 }
 
+TEST_F(UIGestureEnvironmentTest, ATouchEndsAlsoWhereTheHostDoesNotKnowThePlace) {
+    beginPan();
+    const CGPoint moved = pan->translationInView();
+    up(1, {std::nan(""), 100}, 0.02);
+    EXPECT_EQ(states, (States{State::Began, State::Ended}));
+    EXPECT_EQ(pan->numberOfTouches(), 0u);
+    beginPan();
+    EXPECT_EQ(pan->translationInView(), moved);
+    send(1, UITouchPhase::Cancelled, {0, 0}, HUGE_VAL);
+    EXPECT_EQ(states, (States{State::Began, State::Ended, State::Began, State::Cancelled}));
+}
+
 TEST_F(UIGestureEnvironmentTest, ATouchThatBeginsAgainCancelsTheOldOne) {
     beginPan();
     down(1, {200, 200}, 1);

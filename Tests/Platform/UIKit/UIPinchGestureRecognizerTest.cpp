@@ -73,6 +73,21 @@ TEST_F(UIPinchGestureRecognizerTest, AThirdFingerTakesOverWithoutAJump) {
     EXPECT_NEAR(pinch->scale(), 2, 1e-12);
 }
 
+TEST_F(UIPinchGestureRecognizerTest, TheTranslationIsThatOfTheMiddleOfTheSameTwoFingers) {
+    down(1, {100, 100}, 0);
+    down(2, {200, 100}, 0);
+    move(2, {220, 100}, 0.01);
+    EXPECT_EQ(pinch->translationInView(), CGPoint());
+    move(2, {230, 104}, 0.02);
+    EXPECT_EQ(pinch->translationInView(), (CGPoint{5, 2}));
+    down(3, {20, 280}, 0.03);
+    up(1, {100, 100}, 0.04);
+    EXPECT_EQ(pinch->translationInView(), (CGPoint{5, 2}));
+    pinch->setTranslation({});
+    move(3, {20, 290}, 0.05);
+    EXPECT_EQ(pinch->translationInView(), (CGPoint{0, 5}));
+}
+
 TEST_F(UIPinchGestureRecognizerTest, TwoFingersThatOnlyTouchFailSilently) {
     down(1, {100, 100}, 0);
     down(2, {200, 100}, 0);

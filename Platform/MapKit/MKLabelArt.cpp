@@ -37,6 +37,41 @@ void drawMark(cairo_t* cairo, double x, double y, const MKLabelMark& mark, const
     }
 }
 
+// The part of a picture (ARGB32) that is not empty; of an empty one a corner.
+PixelRect inkOf(cairo_surface_t* surface) {
+    const int width = cairo_image_surface_get_width(surface), height = cairo_image_surface_get_height(surface);
+    const int stride = cairo_image_surface_get_stride(surface);
+    const unsigned char* const bytes = cairo_image_surface_get_data(surface);
+    int left = width, right = 0, top = height, bottom = 0;
+    for (int y = 0; y < height; ++y) {
+        const auto* const row = reinterpret_cast<const uint32_t*>(bytes + static_cast<ptrdiff_t>(y) * stride);
+        const uint32_t* const first = std::find_if(row, row + width, [](uint32_t pixel) { return pixel != 0; });
+        if (first == row + width) {
+            continue;
+        }
+        int end = width;
+        while (row[end - 1] == 0) {
+            --end;
+        }
+        left = std::min(left, static_cast<int>(first - row));
+        right = std::max(right, end);
+        top = std::min(top, y);
+        bottom = y + 1;
+    }
+    return bottom > 0 ? PixelRect{left, top, right - left, bottom - top} : PixelRect{0, 0, 1, 1};
+}
+
+cairo_surface_t* copyOf(cairo_surface_t* surface, const PixelRect& part) {
+    cairo_surface_t* const copy = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, part.width, part.height);
+    cairo_t* const cairo = cairo_create(copy);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_surface(cairo, surface, -part.x, -part.y);
+    cairo_paint(cairo);
+    cairo_destroy(cairo);
+    cairo_surface_flush(copy);
+    return copy;
+}
+
 } // namespace
 
 PixelRect MKLabelArt::placedAt(int x, int y) const {
@@ -80,20 +115,28 @@ const MKLabelArt* MKLabelArtCache::draw(const MKLabelArtKey& key, const MKSettle
     const auto low = [&](double edge) { return std::floor((std::min(edge, -mark.radius) - around) * key.scale); };
     const auto high = [&](double edge) { return std::ceil((std::max(edge, mark.radius) + around) * key.scale); };
     const double left = low(text.left), top = low(text.top);
-    cairo_surface_t* const surface = cairo_image_surface_create(
-        CAIRO_FORMAT_ARGB32, static_cast<int>(high(text.right) - left), static_cast<int>(high(text.bottom) - top));
-    auto art = std::make_unique<const MKLabelArt>(surface, static_cast<int>(left), static_cast<int>(top));
-    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+    const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(high(text.right) - left),
+                                   static_cast<int>(high(text.bottom) - top)),
+        &cairo_surface_destroy);
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) {
         throw std::bad_alloc();
     }
-    cairo_t* const cairo = cairo_create(surface);
+    cairo_t* const cairo = cairo_create(surface.get());
     _writer.draw(cairo, (text.left + text.right) / 2 * key.scale - left, (text.top + text.bottom) / 2 * key.scale - top,
                  key.names->text(name), font, colors, key.scale);
     if (mark.radius > 0) {
         drawMark(cairo, -left, -top, mark, colors, key.scale);
     }
     cairo_destroy(cairo);
-    cairo_surface_flush(surface);
+    cairo_surface_flush(surface.get());
+    // Every frame puts it on the map: no larger than need be.
+    const PixelRect ink = inkOf(surface.get());
+    auto art = std::make_unique<const MKLabelArt>(copyOf(surface.get(), ink), static_cast<int>(left) + ink.x,
+                                                  static_cast<int>(top) + ink.y);
+    if (cairo_surface_status(art->surface()) != CAIRO_STATUS_SUCCESS) {
+        throw std::bad_alloc();
+    }
     _byteSize += art->byteSize();
     _order.push_front({key, std::move(art), ++_useCount});
     _entries[key] = _order.begin();

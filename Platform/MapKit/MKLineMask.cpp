@@ -16,6 +16,12 @@ uint32_t blended(uint32_t under, uint32_t over, uint32_t coverage) {
     return redBlue | green;
 }
 
+// The whole number below, of one that is not below -2e6: without a call.
+int floorOf(double value) {
+    constexpr int more = 2'000'000;
+    return static_cast<int>(value + more) - more;
+}
+
 // Whether eight pixels are not covered.
 bool isEmpty(const uint8_t* coverage) {
     uint64_t eight;
@@ -53,7 +59,7 @@ void MKLineMask::addSegment(double fromX, double fromY, double toX, double toY) 
     const double crossLow = rows ? std::min(fromX, toX) : std::min(fromY, toY);
     const double crossHigh = rows ? std::max(fromX, toX) : std::max(fromY, toY);
     const double half = reach * std::sqrt(1 + slope * slope);
-    const int first = std::max(0, static_cast<int>(std::floor(std::min(start, end) - reach)));
+    const int first = std::max(0, floorOf(std::min(start, end) - reach));
     const int last = std::min(_side - 1, static_cast<int>(std::ceil(std::max(start, end) + reach)));
     for (int line = first; line <= last; ++line) {
         const double middle = std::clamp(crossStart + (line + 0.5 - start) * slope, crossLow, crossHigh);
@@ -62,26 +68,33 @@ void MKLineMask::addSegment(double fromX, double fromY, double toX, double toY) 
 }
 
 void MKLineMask::addSpan(const Segment& segment, bool rows, int line, double low, double high) {
-    const int first = std::max(0, static_cast<int>(std::floor(low)));
-    const int last = std::min(_side - 1, static_cast<int>(std::floor(high)));
-    for (int cross = first; cross <= last; ++cross) {
-        const int column = rows ? cross : line, row = rows ? line : cross;
-        const double px = column + 0.5 - segment.x, py = row + 0.5 - segment.y;
-        const double along = px * segment.ux + py * segment.uy;
-        double distance = std::abs(px * segment.uy - py * segment.ux);
-        if (along < 0 || along > segment.length) {
-            const double beyond = along < 0 ? along : along - segment.length;
+    const int first = std::max(0, floorOf(low)), last = std::min(_side - 1, floorOf(high));
+    if (first > last) {
+        return;
+    }
+    const int column = rows ? first : line, row = rows ? line : first;
+    const double px = column + 0.5 - segment.x, py = row + 0.5 - segment.y;
+    auto along = static_cast<float>(px * segment.ux + py * segment.uy);
+    auto across = static_cast<float>(px * segment.uy - py * segment.ux);
+    const auto alongStep = static_cast<float>(rows ? segment.ux : segment.uy);
+    const auto acrossStep = static_cast<float>(rows ? segment.uy : -segment.ux);
+    const auto length = static_cast<float>(segment.length), reach = static_cast<float>(segment.reach);
+    const auto thickness = static_cast<float>(segment.thickness);
+    uint8_t* pixel = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_side) + static_cast<size_t>(column)];
+    const ptrdiff_t pixelStep = rows ? 1 : _side;
+    for (int cross = first; cross <= last; ++cross, pixel += pixelStep, along += alongStep, across += acrossStep) {
+        float distance = std::abs(across);
+        if (along < 0 || along > length) {
+            const float beyond = along < 0 ? along : along - length;
             distance = std::sqrt(distance * distance + beyond * beyond);
         }
-        const double coverage = std::min(segment.reach - distance, segment.thickness);
+        const float coverage = std::min(reach - distance, thickness);
         if (coverage > 0) {
-            uint8_t& pixel =
-                _coverage[static_cast<size_t>(row) * static_cast<size_t>(_side) + static_cast<size_t>(column)];
-            pixel = std::max(pixel, static_cast<uint8_t>(coverage * 255 + 0.5));
-            _firstRow = std::min(_firstRow, row);
-            _lastRow = std::max(_lastRow, row);
+            *pixel = std::max(*pixel, static_cast<uint8_t>(coverage * 255 + 0.5f));
         }
     }
+    _firstRow = std::min(_firstRow, row);
+    _lastRow = std::max(_lastRow, rows ? line : last);
 }
 
 void MKLineMask::paint(cairo_surface_t* surface, MKTileColor color, double opacity) {

@@ -20,11 +20,13 @@ std::string decode(std::span<const std::byte> file, int side, MKPicture& picture
     }
     const size_t count = static_cast<size_t>(side) * static_cast<size_t>(side);
     picture.resize(count * 3);
-    for (size_t i = 0; i < count; ++i) {
-        const uint32_t pixel = image->pixels()[i];
-        picture[3 * i] = static_cast<uint8_t>(pixel >> 16);
-        picture[3 * i + 1] = static_cast<uint8_t>(pixel >> 8);
-        picture[3 * i + 2] = static_cast<uint8_t>(pixel);
+    const uint32_t* const pixels = image->pixels();
+    uint8_t* out = picture.data();
+    for (size_t i = 0; i < count; ++i, out += 3) {
+        const uint32_t pixel = pixels[i];
+        out[0] = static_cast<uint8_t>(pixel >> 16);
+        out[1] = static_cast<uint8_t>(pixel >> 8);
+        out[2] = static_cast<uint8_t>(pixel);
     }
     return {};
 }

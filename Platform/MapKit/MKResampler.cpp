@@ -2,10 +2,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace veyra {
 
 namespace {
+
+// Four at a time: compilers do not find that out by themselves at every level of optimisation.
+using Four = float __attribute__((vector_size(16)));
+
+Four fourAt(const float* values) {
+    Four four;
+    std::memcpy(&four, values, sizeof four);
+    return four;
+}
 
 // The cubic filters of Mitchell and Netravali. Near the source's own scale the one that they recommend, neither soft
 // nor ringing; enlarged more than this many times, the smoothest of them, which shows nothing of the source's grid.
@@ -69,14 +79,14 @@ template <int Channels>
 void MKResampler<Channels>::scaleRow(const float* row, float* scaled) const {
     for (const Taps& taps : _columns) {
         const float* in = row + static_cast<size_t>(taps.first) * Channels;
-        float sums[Channels] = {};
+        Four sums[Channels / 4] = {};
         for (const float weight : taps.weights) {
-            for (int channel = 0; channel < Channels; ++channel) {
-                sums[channel] += weight * in[channel];
+            for (Four& sum : sums) {
+                sum += weight * fourAt(in);
+                in += 4;
             }
-            in += Channels;
         }
-        std::copy_n(sums, Channels, scaled);
+        std::memcpy(scaled, sums, sizeof sums);
         scaled += Channels;
     }
 }
@@ -91,7 +101,8 @@ void MKResampler<Channels>::run(const Source& source, const Target& target) cons
     }
     std::vector<float> sourceRow(static_cast<size_t>(_across.sourceSide) * Channels), rows(kept * rowLength),
         sums(rowLength);
-    int next = 0; // the first row of the source that was not scaled
+    std::vector<const float*> looked(kept); // the rows that make up one of the target
+    int next = 0;                           // the first row of the source that was not scaled
     for (int y = 0; y < _down.targetSide; ++y) {
         const Taps& taps = _rows[static_cast<size_t>(y)];
         const int end = taps.first + static_cast<int>(taps.weights.size());
@@ -99,13 +110,15 @@ void MKResampler<Channels>::run(const Source& source, const Target& target) cons
             source(next, sourceRow.data());
             scaleRow(sourceRow.data(), &rows[static_cast<size_t>(next) % kept * rowLength]);
         }
-        std::fill(sums.begin(), sums.end(), 0.0f);
         for (size_t k = 0; k < taps.weights.size(); ++k) {
-            const float weight = taps.weights[k];
-            const float* const row = &rows[(static_cast<size_t>(taps.first) + k) % kept * rowLength];
-            for (size_t i = 0; i < rowLength; ++i) {
-                sums[i] += weight * row[i];
+            looked[k] = &rows[(static_cast<size_t>(taps.first) + k) % kept * rowLength];
+        }
+        for (size_t i = 0; i < rowLength; i += 4) {
+            Four sum = {};
+            for (size_t k = 0; k < taps.weights.size(); ++k) {
+                sum += taps.weights[k] * fourAt(looked[k] + i);
             }
+            std::memcpy(&sums[i], &sum, sizeof sum);
         }
         target(y, sums.data());
     }

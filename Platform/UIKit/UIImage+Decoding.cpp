@@ -103,10 +103,17 @@ UIImage::Pixels premultipliedPixels(const GdkPixbuf* pixbuf) {
     uint32_t* out = pixels.data();
     for (int y = 0; y < height; ++y) {
         const guint8* in = bytes + static_cast<size_t>(y) * stride;
-        for (int x = 0; x < width; ++x, in += channels) {
-            const uint32_t alpha = channels == 4 ? in[3] : 255;
-            *out++ = alpha << 24 | premultiplied(in[0], alpha) << 16 | premultiplied(in[1], alpha) << 8 |
-                     premultiplied(in[2], alpha);
+        const uint32_t* const end = out + width;
+        if (channels == 4) {
+            for (; out != end; in += 4) {
+                const uint32_t alpha = in[3];
+                *out++ = alpha << 24 | premultiplied(in[0], alpha) << 16 | premultiplied(in[1], alpha) << 8 |
+                         premultiplied(in[2], alpha);
+            }
+        } else {
+            for (; out != end; in += 3) {
+                *out++ = 255u << 24 | uint32_t{in[0]} << 16 | uint32_t{in[1]} << 8 | in[2];
+            }
         }
     }
     return pixels;

@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 
@@ -100,22 +101,49 @@ void MKTileArchive::open() {
         return;
     }
     if (!_database) {
-        const int status =
-            sqlite3_open_v2(_path.c_str(), &_database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
-        if (status != SQLITE_OK) {
-            const std::string problem = _database ? sqlite3_errmsg(_database) : sqlite3_errstr(status);
-            sqlite3_close(_database);
-            _database = nullptr;
-            fail(problem);
-        }
-        sqlite3_busy_timeout(_database, 1000); // milliseconds; another program may write
-        sqlite3_limit(_database, SQLITE_LIMIT_LENGTH, longestValue);
-        sqlite3_db_config(_database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-        sqlite3_progress_handler(
-            _database, stepsBetweenLooks,
-            [](void* looks) { return static_cast<int>(++*static_cast<int*>(looks) > mostLooks); }, &_looks);
+        openDatabase(_path, 0);
+        openWithoutJournalIfNeeded();
     }
     readContents();
+}
+
+void MKTileArchive::openDatabase(const std::string& name, int flags) {
+    const int status =
+        sqlite3_open_v2(name.c_str(), &_database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | flags, nullptr);
+    if (status != SQLITE_OK) {
+        const std::string problem = _database ? sqlite3_errmsg(_database) : sqlite3_errstr(status);
+        closeDatabase();
+        fail(problem);
+    }
+    sqlite3_busy_timeout(_database, 1000); // milliseconds; another program may write
+    sqlite3_limit(_database, SQLITE_LIMIT_LENGTH, longestValue);
+    sqlite3_db_config(_database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_progress_handler(
+        _database, stepsBetweenLooks,
+        [](void* looks) { return static_cast<int>(++*static_cast<int*>(looks) > mostLooks); }, &_looks);
+}
+
+// A file that was written with a journal beside it (WAL) is read with one too, which cannot be made in a folder that
+// is read-only. When there is none to read, the file is all there is.
+void MKTileArchive::openWithoutJournalIfNeeded() {
+    const int status = sqlite3_exec(_database, "SELECT 1 FROM sqlite_master LIMIT 1", nullptr, nullptr, nullptr);
+    if (status != SQLITE_CANTOPEN && status != SQLITE_READONLY) {
+        return;
+    }
+    closeDatabase();
+    std::error_code noSuchFile;
+    if (const auto size = std::filesystem::file_size(_path + "-wal", noSuchFile); !noSuchFile && size > 0) {
+        fail("it has a journal, which cannot be read in a folder that is read-only");
+    }
+    gchar* const escaped = g_uri_escape_string(_path.c_str(), "/", FALSE);
+    const std::string address = std::string("file:") + escaped + "?immutable=1";
+    g_free(escaped);
+    openDatabase(address, SQLITE_OPEN_URI);
+}
+
+void MKTileArchive::closeDatabase() {
+    sqlite3_close(_database);
+    _database = nullptr;
 }
 
 void MKTileArchive::readContents() {

@@ -43,6 +43,9 @@ public:
 
 private:
     void open() VEYRA_REQUIRES(_lock);
+    void openDatabase(const std::string& name, int flags) VEYRA_REQUIRES(_lock);
+    void openWithoutJournalIfNeeded() VEYRA_REQUIRES(_lock);
+    void closeDatabase() VEYRA_REQUIRES(_lock);
     void readContents() VEYRA_REQUIRES(_lock);
     std::string metadata(const char* name) VEYRA_REQUIRES(_lock);
     sqlite3_stmt* prepare(const char* text) VEYRA_REQUIRES(_lock);

@@ -6,6 +6,8 @@
 
 #include <fstream>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace veyra {
 
@@ -33,6 +35,28 @@ protected:
             return error.what();
         }
     }
+
+    /// While it lives, nothing can be written in the folder, not even by a test that runs as root.
+    class ReadOnly {
+    public:
+        explicit ReadOnly(const std::string& folder) : _folder(folder) {
+            chmod(_folder.c_str(), 0555);
+            if (_user == 0) {
+                EXPECT_EQ(seteuid(nobody), 0);
+            }
+        }
+        ReadOnly(const ReadOnly&) = delete;
+        ReadOnly& operator=(const ReadOnly&) = delete;
+        ~ReadOnly() {
+            EXPECT_EQ(seteuid(_user), 0);
+            chmod(_folder.c_str(), 0755);
+        }
+
+    private:
+        static constexpr uid_t nobody = 65534;
+        const std::string _folder;
+        const uid_t _user = geteuid();
+    };
 
     static constexpr const char* tables =
         "CREATE TABLE metadata (name text, value text);"
@@ -69,6 +93,31 @@ TEST_F(MKTileArchiveTest, AnAttributionLeadsToWebAddressesOnly) {
                                                                    "'<a href=\"javascript:alert(1)\">click</a>')"));
     EXPECT_EQ(archive.contents().attribution.text, "click");
     EXPECT_EQ(archive.contents().attribution.url, "");
+}
+
+TEST_F(MKTileArchiveTest, AFileOfJournalsIsReadInAReadOnlyFolder) {
+    const std::string path = write("100% a?b#c.mbtiles", std::string("PRAGMA journal_mode = WAL;") + tables +
+                                                             "INSERT INTO tiles VALUES (0, 0, 0, 'x')");
+    const ReadOnly readOnly(folder.path());
+    ASSERT_FALSE(std::ofstream(folder / "new").is_open());
+    MKTileArchive archive(path);
+    EXPECT_EQ(archive.read(0, 0, 0), "x");
+}
+
+TEST_F(MKTileArchiveTest, AJournalThatCannotBeReadIsSaid) {
+    const std::string path = write("a.mbtiles", std::string("PRAGMA journal_mode = WAL;") + tables +
+                                                    "INSERT INTO tiles VALUES (0, 0, 0, 'x')");
+    std::ofstream(path + "-wal") << "what a program wrote last";
+    const ReadOnly readOnly(folder.path());
+    MKTileArchive archive(path);
+    for (int round = 0; round < 2; ++round) {
+        try {
+            archive.contents();
+            FAIL() << "it was read without its journal";
+        } catch (const MKTileArchiveError& error) {
+            EXPECT_EQ(error.what(), path + ": it has a journal, which cannot be read in a folder that is read-only");
+        }
+    }
 }
 
 TEST_F(MKTileArchiveTest, AFileThatIsNotThereIsNamed) {

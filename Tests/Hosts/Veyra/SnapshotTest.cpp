@@ -86,6 +86,28 @@ TEST_F(Snapshot, ShowsEveryMapOfThePageAtRestThoseOfItsFramesIncluded) {
     }
 }
 
+TEST_F(Snapshot, HasEveryPixelOfAMapThatChangedInParts) {
+    for (const std::string scale : {"1", "2"}) {
+        SCOPED_TRACE("scale " + scale);
+        const std::vector<std::string> options{"--size", "900x620", "--scale", scale};
+        std::vector<std::string> ofPage = options, ofScript{"script", "steps.js", "--output", folder.file("map.png")};
+        ofPage.insert(ofPage.end(), {"--wait-for-title", "done"});
+        ofScript.insert(ofScript.end(), options.begin(), options.end());
+        EXPECT_EQ(take("steps.html", ofPage).status, 0);
+        EXPECT_EQ(runVeyra(ofScript).status, 0);
+        const Picture page(picture), map(folder.file("map.png"));
+        ASSERT_EQ(page.width(), 900 * std::stoi(scale));
+        ASSERT_EQ(map.width(), page.width());
+        ASSERT_EQ(map.height(), page.height());
+        int differences = 0;
+        for (int y = 0; y < page.height(); ++y) {
+            for (int x = 0; x < page.width(); ++x)
+                differences += page.at(x, y) != map.at(x, y);
+        }
+        EXPECT_EQ(differences, 0);
+    }
+}
+
 TEST_F(Snapshot, ScaleGivesMorePixelsOfTheSamePage) {
     EXPECT_EQ(take("maps.html", {"--size", "600x240", "--scale", "2"}).status, 0);
     const Picture page(picture);

@@ -83,9 +83,9 @@ void makeWorld(const std::string& shapefiles, const std::string& countries, cons
 void makeNames(const std::string& shapefiles, const std::string& countries, const std::string& tables,
                const std::string& output) {
     NamesMaker maker{NameTable(tables + "/names.txt")};
+    maker.addCities(shapefiles + "/10m/ne_10m_populated_places_simple");
     maker.addCountries(TopologyReader(countries + "/countries-50m.json").shapes("countries"));
     maker.addWaters(readWaters(tables + "/waters.txt"));
-    maker.addCities(shapefiles + "/10m/ne_10m_populated_places_simple");
     writeNames(maker.finish(), output);
 }
 

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <numbers>
 #include <set>
+#include <sstream>
 #include <tuple>
 #include <utility>
 
@@ -66,6 +67,17 @@ Broken brokenInTwo(std::string text) {
     return {std::move(text), static_cast<double>(bestLength) * letterWidth};
 }
 
+// One line for each word.
+Broken brokenAtWords(std::string text) {
+    std::replace(text.begin(), text.end(), ' ', '\n');
+    std::size_t longest = 0;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        longest = std::max(longest, letterCount(line));
+    }
+    return {std::move(text), static_cast<double>(longest) * letterWidth};
+}
+
 // By Natural Earth's rank of a place, 0 to 10.
 constexpr std::array cityZooms = {2.3, 2.9, 3.4, 3.9, 4.4, 4.9, 5.1, 5.6, 6.4, 6.9, 7.4};
 
@@ -81,6 +93,29 @@ double cityZoom(int rank, double population, bool isCapital) {
 
 std::uint8_t citySize(double population) {
     return population > 5e6 ? 3 : population > 1e6 ? 2 : population > 2e5 ? 1 : 0;
+}
+
+// Whether a place lies in a shape: inside an odd number of its rings.
+bool isWithin(const NamedShape& shape, Position place) {
+    bool inside = false;
+    for (const std::vector<PositionLine>& polygon : shape.polygons) {
+        for (const PositionLine& ring : polygon) {
+            for (std::size_t i = 0; i < ring.size(); ++i) {
+                const Position &a = ring[i], &b = ring[(i + 1) % ring.size()];
+                if ((a.latitude > place.latitude) != (b.latitude > place.latitude)) {
+                    const double part = (place.latitude - a.latitude) / (b.latitude - a.latitude);
+                    inside ^= place.longitude < a.longitude + part * (b.longitude - a.longitude);
+                }
+            }
+        }
+    }
+    return inside;
+}
+
+// From which zoom on a country is worth naming: large ones and those with many people in cities come first.
+double prominenceZoom(double area, double population) {
+    const double millions = population / 1e6;
+    return 3.45 - 0.8 * (std::log10(std::max(area, 1e-3)) + std::log10(millions + 0.3));
 }
 
 std::uint8_t areaSize(double degrees) {
@@ -136,7 +171,7 @@ void NamesMaker::addCountries(const std::vector<NamedShape>& shapes) {
                                                "Åland",
                                                "Antarctica",
                                                "Wallis and Futuna Is."};
-    constexpr double tiny = 0.5; // degrees
+    constexpr double tiny = 0.5, mostAcross = 90; // degrees
     for (const NamedShape& shape : shapes) {
         const std::optional<std::string> shown = _table.shown(shape.name);
         if (!shown || shape.polygons.empty()) {
@@ -147,13 +182,18 @@ void NamesMaker::addCountries(const std::vector<NamedShape>& shapes) {
         const Broken broken = brokenInTwo(*shown);
         MadeName made{.entry = {}, .text = broken.text, .weight = place.area};
         made.entry.kind = isTerritory ? BasemapNameKind::Territory : BasemapNameKind::Country;
-        made.entry.size = areaSize(place.width);
-        // A name may be somewhat wider than its country. The small ones, which have no room at all, wait.
-        const double fits = zoomFor(place.width, 0.62 * broken.width);
+        // How wide the land is, taken all in all: where its name stands it may be narrow.
+        const double stretch = 1 / std::cos(place.middle.latitude * std::numbers::pi / 180);
+        const double across = std::min(std::sqrt(place.area) * stretch, mostAcross);
+        const double room = std::max(place.width, across);
+        made.entry.size = areaSize(room);
+        // A name may be a good deal wider than its country. The small ones, which have no room at all, wait.
+        const double fits = zoomFor(room, 0.33 * broken.width), fitsWell = zoomFor(room, 2 * broken.width);
+        const double wanted = std::min(prominenceZoom(place.area, populationIn(shape)), fitsWell);
         const double latest = isTerritory || place.width < tiny ? 6.3 : 5.2;
-        made.entry.minimumZoom = std::clamp(fits, isTerritory ? 1.8 : 0.8, latest);
+        made.entry.minimumZoom = std::clamp(std::max(fits, wanted), isTerritory ? 1.8 : 0.8, latest);
         made.entry.maximumZoom = std::max(zoomFor(place.width, 2400), made.entry.minimumZoom + 3);
-        made.entry.extent = static_cast<std::int32_t>(place.width / 360 * worldSide);
+        made.entry.extent = static_cast<std::int32_t>(across / 360 * worldSide);
         setPlace(made.entry, place.middle);
         _names.push_back(std::move(made));
     }
@@ -161,14 +201,15 @@ void NamesMaker::addCountries(const std::vector<NamedShape>& shapes) {
 
 void NamesMaker::addWaters(const std::vector<Water>& waters) {
     for (const Water& water : waters) {
-        const Broken broken = brokenInTwo(water.name);
+        const Broken broken = water.kind == "ocean" ? brokenAtWords(water.name) : brokenInTwo(water.name);
         MadeName made{.entry = {}, .text = broken.text, .weight = water.width};
         made.entry.kind = water.kind == "ocean"  ? BasemapNameKind::Ocean
                           : water.kind == "lake" ? BasemapNameKind::Lake
                                                  : BasemapNameKind::Sea;
         made.entry.size = areaSize(water.width);
         const bool isOcean = made.entry.kind == BasemapNameKind::Ocean;
-        made.entry.minimumZoom = isOcean ? 0.8 : std::max(1.8, zoomFor(water.width, 1.15 * broken.width));
+        made.entry.minimumZoom = isOcean ? std::max(0.8, zoomFor(water.width, 0.62 * broken.width))
+                                         : std::max(1.8, zoomFor(water.width, 0.9 * broken.width));
         made.entry.maximumZoom = isOcean ? 5.5 : std::max(zoomFor(water.width, 2400), made.entry.minimumZoom + 3);
         made.entry.extent = static_cast<std::int32_t>(water.width / 360 * worldSide);
         setPlace(made.entry, water.middle);
@@ -196,7 +237,16 @@ void NamesMaker::addCities(const std::string& path) {
         made.entry.maximumZoom = innermostZoom;
         setPlace(made.entry, places[i]);
         _names.push_back(std::move(made));
+        _cities.push_back({places[i], population});
     }
+}
+
+double NamesMaker::populationIn(const NamedShape& country) const {
+    double sum = 0;
+    for (const City& city : _cities) {
+        sum += isWithin(country, city.place) ? city.population : 0;
+    }
+    return sum;
 }
 
 std::vector<MadeName> NamesMaker::finish() {

@@ -22,17 +22,25 @@ class NamesMaker {
 public:
     explicit NamesMaker(NameTable table) : _table(std::move(table)) {}
 
-    void addCountries(const std::vector<NamedShape>& shapes);
-    void addWaters(const std::vector<Water>& waters);
     // `path` is the shapefile's, without ".shp".
     void addCities(const std::string& path);
+    // After the cities: how many people live in those of a country says how much it matters.
+    void addCountries(const std::vector<NamedShape>& shapes);
+    void addWaters(const std::vector<Water>& waters);
 
     // From the most important name to the least. Hands them over.
     std::vector<MadeName> finish();
 
 private:
+    struct City {
+        Position place;
+        double population;
+    };
+    double populationIn(const NamedShape& country) const;
+
     NameTable _table;
     std::vector<MadeName> _names;
+    std::vector<City> _cities;
 };
 
 // Writes names as a file; Basemap/FORMAT.md describes the bytes. Throws std::runtime_error when that fails.

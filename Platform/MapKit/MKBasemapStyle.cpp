@@ -34,7 +34,7 @@ constexpr MKBasemapStyle dark{
     .lake = 0x141d27,
     .coast = {.color = 0x47596a, .width = 0.5, .finalWidth = 0.9},
     .lakeShore = {.color = 0x3b4a58, .width = 0.4, .finalWidth = 0.7},
-    .rivers = riversIn(0x1b2733),
+    .rivers = riversIn(0x35485a),
     .states = {.color = 0x454c56, .width = 0.45, .finalWidth = 1, .leastZoom = 3.1},
     .provinces = {.color = 0x414852, .width = 0.45, .finalWidth = 0.9, .leastZoom = 5.4},
     .borderGlow = {.color = 0x4a4a5a, .width = 1.6, .finalWidth = 6, .leastZoom = 2.6, .opacity = 0.4},

@@ -27,6 +27,9 @@ double zoomOf(const MKTileScene& scene) {
     return std::log2(scene.camera.scale * MKWorldSide / zoomZeroSide);
 }
 
+// Between a name and what it keeps out of, in points: the halo, and a little.
+constexpr double clearance = 3;
+
 bool meet(const PixelRect& a, const PixelRect& b) {
     return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
 }
@@ -55,13 +58,30 @@ std::vector<MKPlacedLabel> MKLabelLayer::labelsIn(const BasemapNames& names, con
             const MKSettledLabel& label = layout.settled(index);
             if (label.isShownAt(zoom)) {
                 const BasemapName& name = names.all()[index];
-                placed.push_back({index, static_cast<int>(std::lround(worldLeft + std::round(name.x * view.scale))),
-                                  static_cast<int>(std::lround(std::round(name.y * view.scale) - view.top)),
-                                  label.text[step], label.markRadius[step]});
+                const MKPlacedLabel found{index,
+                                          static_cast<int>(std::lround(worldLeft + std::round(name.x * view.scale))),
+                                          static_cast<int>(std::lround(std::round(name.y * view.scale) - view.top)),
+                                          label.text[step], label.markRadius[step]};
+                if (isClear(found, scene.deviceScale)) {
+                    placed.push_back(found);
+                }
             }
         }
     }
     return placed;
+}
+
+bool MKLabelLayer::isClear(const MKPlacedLabel& label, double deviceScale) const {
+    const double x = label.x / deviceScale, y = label.y / deviceScale, radius = label.markRadius;
+    const auto isClearOf = [&](const CGRect& area, const MKLabelBox& box) {
+        return x + box.left - clearance >= area.origin.x + area.size.width ||
+               x + box.right + clearance <= area.origin.x ||
+               y + box.top - clearance >= area.origin.y + area.size.height ||
+               y + box.bottom + clearance <= area.origin.y;
+    };
+    return std::all_of(_keptClear.begin(), _keptClear.end(), [&](const CGRect& area) {
+        return isClearOf(area, label.text) && (radius == 0 || isClearOf(area, {-radius, -radius, radius, radius}));
+    });
 }
 
 void MKLabelLayer::draw(const UIGraphicsContext& context, const BasemapNames& names, const MKTileScene& scene,

@@ -19,6 +19,8 @@ struct MKPlacedLabel {
 
 class MKLabelLayer {
 public:
+    /// Rectangles of the view, in points, that names keep out of: a name that would reach into one is left out.
+    void setKeptClear(std::vector<CGRect> areas) { _keptClear = std::move(areas); }
     /// The names that a scene shows, from the most important to the least. Once `seconds` have gone by, names that were
     /// never settled are left out, and `isComplete` becomes false.
     std::vector<MKPlacedLabel> labelsIn(const BasemapNames& names, const MKTileScene& scene, double seconds);
@@ -31,6 +33,9 @@ public:
     bool isComplete() const { return _isComplete; }
 
 private:
+    bool isClear(const MKPlacedLabel& label, double deviceScale) const;
+
+    std::vector<CGRect> _keptClear;
     bool _isComplete = true;
 };
 

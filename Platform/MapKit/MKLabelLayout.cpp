@@ -15,7 +15,12 @@ constexpr double never = 1000;
 // A place that is not the best must let a name come so many zooms earlier.
 constexpr double worthMoving = 0.3;
 // By how much of the width of its land a name may move up or down.
-constexpr double mostOfExtent = 0.3;
+constexpr double mostOfExtent = 0.4;
+// Cities for which names that matter more make room: those above a million, and capitals, that come before this zoom.
+constexpr double latestCity = 5;
+constexpr int largeCity = 2;
+// A city that waits for such a name longer than so many zooms counts no more.
+constexpr double longestDelay = 2.5;
 // Between a mark and its name, in points.
 constexpr double markGap = 2.5;
 
@@ -59,11 +64,18 @@ MKLabelBox markBox(const MKSettledLabel& label, size_t step) {
 
 // The largest scale, of those in `visible`, at which two labels meet; 0 when they never do.
 double lastMeeting(const MKSettledLabel& a, const MKSettledLabel& b, double dx, double dy, Range visible) {
+    static const std::array<double, MKLabelSteps.size() + 1> stepScales = [] {
+        std::array<double, MKLabelSteps.size() + 1> scales;
+        std::transform(MKLabelSteps.begin(), MKLabelSteps.end(), scales.begin(), scaleAt);
+        scales.back() = HUGE_VAL;
+        return scales;
+    }();
     double last = 0;
     for (size_t step = 0; step < MKLabelSteps.size(); ++step) {
-        const Range inStep =
-            common(visible, {scaleAt(MKLabelSteps[step]),
-                             step + 1 < MKLabelSteps.size() ? scaleAt(MKLabelSteps[step + 1]) : HUGE_VAL});
+        const Range inStep = common(visible, {stepScales[step], stepScales[step + 1]});
+        if (inStep.first >= inStep.last) {
+            continue;
+        }
         const auto meet = [&](const MKLabelBox& one, const MKLabelBox& other) {
             const Range range = common(inStep, scalesOfMeeting(one, other, dx, dy));
             if (range.first < range.last) {
@@ -95,7 +107,12 @@ double shortestAcross(double from, double to) {
 MKLabelLayout::MKLabelLayout(const BasemapNames& names)
     : _names(names), _buckets(size_t{1} << (2 * bucketBits)), _settled(names.all().size()) {
     for (size_t i = 0; i < names.all().size(); ++i) {
-        _buckets[bucketOf(names.all()[i].x, names.all()[i].y)].push_back(static_cast<uint32_t>(i));
+        const BasemapName& name = names.all()[i];
+        _buckets[bucketOf(name.x, name.y)].push_back(static_cast<uint32_t>(i));
+        if (name.kind == BasemapNameKind::City && (name.isCapital || name.size >= largeCity) &&
+            name.minimumZoom < latestCity) {
+            _largeCities.push_back({i, scaleAt(name.minimumZoom)});
+        }
     }
 }
 
@@ -178,12 +195,16 @@ MKLabelLayout::Places MKLabelLayout::placesOf(const BasemapName& name) {
     }
     // A name upon its land may move up and down by its own height, where the land is large enough.
     Places places;
-    for (const double lines : {0.0, 0.5, -0.5, 1.0, -1.0, 2.0, -2.0}) {
+    for (const double lines : {0.0, 0.5, -0.5, 1.0, -1.0, 1.5, -1.5, 2.0, -2.0}) {
         MKSettledLabel& place = places.emplace_back(middle);
-        const double moved = std::abs(lines) * (middle.text.back().bottom - middle.text.back().top);
-        place.firstZoom = zoomAt(moved / (mostOfExtent * std::max(name.extent, 1)));
-        for (MKLabelBox& box : place.text) {
+        place.firstZoom = MKLabelSteps[0];
+        for (size_t step = 0; step < MKLabelSteps.size(); ++step) {
+            MKLabelBox& box = place.text[step];
             const double dy = lines * (box.bottom - box.top);
+            const double leastZoom = zoomAt(std::abs(dy) / (mostOfExtent * std::max(name.extent, 1)));
+            if (leastZoom > MKLabelSteps[step]) {
+                place.firstZoom = leastZoom;
+            }
             box.top += dy;
             box.bottom += dy;
         }
@@ -208,20 +229,69 @@ double MKLabelLayout::firstZoomOf(size_t index, const MKSettledLabel& label, con
     return zoom >= name.maximumZoom ? never : zoom;
 }
 
+const MKLabelLayout::Places& MKLabelLayout::placesOfCity(size_t index) {
+    const auto found = _cityPlaces.find(index);
+    return found != _cityPlaces.end() ? found->second
+                                      : _cityPlaces.emplace(index, placesOf(_names.all()[index])).first->second;
+}
+
+std::vector<MKLabelLayout::City> MKLabelLayout::citiesNear(size_t index) {
+    const BasemapName& name = _names.all()[index];
+    std::vector<City> cities;
+    if ((name.kind != BasemapNameKind::Country && name.kind != BasemapNameKind::City) ||
+        name.minimumZoom >= latestCity) {
+        return cities;
+    }
+    const double leastScale = scaleAt(name.minimumZoom);
+    for (const LargeCity& large : _largeCities) {
+        const BasemapName& city = _names.all()[large.index];
+        const double reach = farthest / std::max(leastScale, large.leastScale);
+        if (large.index > index && city.minimumZoom < name.maximumZoom && std::abs(city.x - name.x) < reach &&
+            std::abs(city.y - name.y) < reach) {
+            cities.push_back({city, placesOfCity(large.index)});
+        }
+    }
+    return cities;
+}
+
+double MKLabelLayout::delayOf(const City& city, const BasemapName& name, const MKSettledLabel& label) {
+    const Range visible{scaleAt(std::max(label.firstZoom, city.name.minimumZoom)), scaleAt(label.lastZoom)};
+    if (visible.first >= visible.last) {
+        return 0;
+    }
+    double least = HUGE_VAL;
+    for (const MKSettledLabel& place : city.places) {
+        const double last = lastMeeting(label, place, city.name.x - name.x, city.name.y - name.y, visible);
+        if (last == 0) {
+            return 0;
+        }
+        least = std::min(least, zoomAt(last) - city.name.minimumZoom);
+    }
+    const double weight = (city.name.isCapital ? 1 : 0.3) + (city.name.size > largeCity ? 0.6 : 0);
+    return std::min(least, longestDelay) * weight;
+}
+
 const MKSettledLabel& MKLabelLayout::settled(size_t index) {
     if (_settled[index]) {
         return *_settled[index];
     }
     const BasemapName& name = _names.all()[index];
     const std::vector<size_t> others = moreImportantNear(index);
+    const std::vector<City> cities = citiesNear(index);
     std::unique_ptr<MKSettledLabel> best;
+    double leastCost = HUGE_VAL;
     for (MKSettledLabel& place : placesOf(name)) {
         place.lastZoom = name.maximumZoom;
         place.firstZoom = firstZoomOf(index, place, others);
-        if (!best || place.firstZoom < best->firstZoom - worthMoving) {
-            best = std::make_unique<MKSettledLabel>(place);
+        double cost = std::max(place.firstZoom - name.minimumZoom, 0.0);
+        for (const City& city : cities) {
+            cost += delayOf(city, name, place);
         }
-        if (best->firstZoom <= name.minimumZoom) {
+        if (!best || cost < leastCost - worthMoving) {
+            best = std::make_unique<MKSettledLabel>(place);
+            leastCost = cost;
+        }
+        if (leastCost <= 0) {
             break;
         }
     }

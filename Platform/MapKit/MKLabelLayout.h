@@ -2,9 +2,10 @@
 // those names.
 //
 // Every name has one range of zooms in which it is shown wherever the map looks, and one place beside its city or upon
-// its land, chosen once. Both follow from the names that matter more alone: a name is shown from the zoom on beyond
-// which it never again meets one of them. So nothing flickers: moving the map changes nothing, and enlarging it only
-// ever adds names, until those of countries and seas have grown out of their land.
+// its land, chosen once. Both follow from the names that matter more alone, but that names make room for large cities
+// and capitals that matter less: a name is shown from the zoom on beyond which it never again meets one that matters
+// more. So nothing flickers: moving the map changes nothing, and enlarging it only ever adds names, until those of
+// countries and seas have grown out of their land.
 //
 // Names are settled when they are first asked for, together with those that matter more and lie near.
 #pragma once
@@ -13,6 +14,7 @@
 
 #include <memory>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 namespace veyra {
@@ -58,6 +60,19 @@ private:
     /// From which zoom on the label never meets one of those that matter more.
     double firstZoomOf(size_t index, const MKSettledLabel& label, const std::vector<size_t>& others);
     std::vector<size_t> moreImportantNear(size_t index) const;
+    /// A city that a name which matters more may keep waiting.
+    struct City {
+        const BasemapName& name;
+        const Places& places;
+    };
+    struct LargeCity {
+        size_t index;
+        double leastScale; ///< at which it may be shown
+    };
+    const Places& placesOfCity(size_t index);
+    std::vector<City> citiesNear(size_t index);
+    /// By how many zooms, weighted, a name keeps a city waiting, wherever beside its mark the city's own name goes.
+    static double delayOf(const City& city, const BasemapName& name, const MKSettledLabel& label);
     size_t bucketOf(double x, double y) const;
 
     static constexpr int bucketBits = 6; // the world has 2^6 buckets a side
@@ -65,6 +80,8 @@ private:
     MKLabelWriter _writer;
     std::vector<std::vector<uint32_t>> _buckets; // names by place, most important first
     std::vector<std::unique_ptr<MKSettledLabel>> _settled;
+    std::vector<LargeCity> _largeCities;            // for which room is made, most important first
+    std::unordered_map<size_t, Places> _cityPlaces; // of those
 };
 
 } // namespace veyra

@@ -17,6 +17,10 @@ constexpr double furnitureMargin = 6;                        // points, to the m
 constexpr double longestScaleBar = 120;                      // points
 constexpr double leastWidthForScale = 160, leastHeight = 80; // points; of a map with a scale bar
 
+double longestScaleBarIn(CGSize viewSize) {
+    return std::min(longestScaleBar, viewSize.width / 4);
+}
+
 /// Metres on the ground, along the parallel on the ellipsoid (WGS84), that a map point covers.
 double metersEastPerMapPoint(double latitude) {
     constexpr double equatorialRadius = 6378137, eccentricitySquared = 6.69437999014131699613723354004e-3;
@@ -52,12 +56,13 @@ void MKMapView::layOutFurniture() {
     if (!hasLayout()) {
         return;
     }
+    const std::vector<CGRect> areasBefore = furnitureAreas();
     const bool hasScale = _showsScale && _viewSize.width >= leastWidthForScale && _viewSize.height >= leastHeight;
     _scaleBar->setHidden(!hasScale);
     if (hasScale) {
         const double latitude = MKCoordinateForMapPoint(_camera.center).latitude;
-        _scaleBar->setScale(MKScale::fitting(metersEastPerMapPoint(latitude) / _camera.scale,
-                                             std::min(longestScaleBar, _viewSize.width / 4)));
+        _scaleBar->setScale(
+            MKScale::fitting(metersEastPerMapPoint(latitude) / _camera.scale, longestScaleBarIn(_viewSize)));
         _scaleBar->setFrame(
             {{furnitureMargin, _viewSize.height - furnitureMargin - MKScaleBar::height}, _scaleBar->frame().size});
     }
@@ -67,7 +72,23 @@ void MKMapView::layOutFurniture() {
     const CGSize size = _attributionView->frame().size;
     _attributionView->setFrame(
         {{_viewSize.width - furnitureMargin - size.width, _viewSize.height - furnitureMargin - size.height}, size});
+    if (furnitureAreas() != areasBefore) {
+        setNeedsDisplay(); // names keep out of them
+    }
     publishCaption();
+}
+
+std::vector<CGRect> MKMapView::furnitureAreas() const {
+    std::vector<CGRect> areas;
+    if (!_scaleBar->isHidden()) {
+        // As wide as it ever becomes: names would come and go with its width while the map moves.
+        areas.push_back({{furnitureMargin, _viewSize.height - furnitureMargin - MKScaleBar::height},
+                         {longestScaleBarIn(_viewSize) + furnitureMargin, MKScaleBar::height}});
+    }
+    if (!_attributionView->isHidden()) {
+        areas.push_back(_attributionView->frame());
+    }
+    return areas;
 }
 
 // What is painted on the map is nothing to those who do not see it: the window tells them.

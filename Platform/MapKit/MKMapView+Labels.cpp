@@ -32,6 +32,7 @@ void MKMapView::drawLabels(const UIGraphicsContext& context) {
             _labels->drawNone();
             return;
         }
+        _labels->setKeptClear(furnitureAreas());
         const bool isMoving = _changing || _scaleKeepsChanging;
         _labels->draw(context, *names, scene, isMoving ? secondsWhileMoving : secondsAtRest);
     } catch (const std::exception& error) {

@@ -224,6 +224,8 @@ private:
     void addFurniture();
     /// Brings the scale bar and the attribution up to date.
     void layOutFurniture();
+    /// What names on the map keep out of, in points.
+    std::vector<CGRect> furnitureAreas() const;
     void publishCaption();
 
     std::weak_ptr<MKMapViewDelegate> _delegate;

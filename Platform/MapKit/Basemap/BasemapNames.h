@@ -39,7 +39,7 @@ struct BasemapName {
     double maximumZoom = 0; // up to this one
     std::int32_t x = 0;     // map points: the city, or the middle of the name
     std::int32_t y = 0;
-    std::int32_t extent = 0; // map points: how wide the land or water is there; 0 for a city
+    std::int32_t extent = 0; // map points: how wide the land or water is, taken all in all; 0 for a city
     std::uint32_t textStart = 0;
     std::uint32_t textLength = 0;
 };

@@ -18,6 +18,8 @@ protected:
     EveryPicture() {
         MKLabelWriter::setFontFamily("DejaVu Sans");
         map->setTileSource(MKBasemapSource::shared());
+        map->setShowsAttribution(true);
+        map->setShowsScale(true);
     }
 };
 

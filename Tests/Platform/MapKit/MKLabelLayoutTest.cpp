@@ -125,6 +125,44 @@ TEST_F(MKLabels, MoveWithTheMapByTheSameWholePixelsAndNeitherComeNorGo) {
     }
 }
 
+TEST_F(MKLabels, AreLeftOutWhereTheyWouldReachIntoWhatIsKeptClearAndNowhereElse) {
+    const std::vector<CGRect> areas = {{{6, 570}, {126, 24}}, {{700, 578}, {94, 16}}};
+    MKLabelLayer layer;
+    layer.setKeptClear(areas);
+    size_t leftOut = 0;
+    for (int round = 0; round < 150; ++round) {
+        const double deviceScale = round % 3 == 0 ? 2 : 1;
+        const MKTileScene scene = randomScene(deviceScale);
+        std::set<std::pair<size_t, int>> shown; // and where, of the copies of the world
+        for (const MKPlacedLabel& label : layer.labelsIn(names, scene, plenty)) {
+            shown.insert({label.index, label.x});
+        }
+        for (const MKPlacedLabel& label : labelsIn(scene)) {
+            const bool isShown = shown.contains({label.index, label.x});
+            bool meets = false, isNear = false;
+            for (const CGRect& covered : coveredBy(label, deviceScale)) {
+                for (const CGRect& area : areas) {
+                    meets |= overlap(covered, area);
+                    isNear |= overlap(
+                        covered, {{area.origin.x - 4, area.origin.y - 4}, {area.size.width + 8, area.size.height + 8}});
+                }
+            }
+            EXPECT_FALSE(meets && isShown) << names.text(names.all()[label.index]);
+            EXPECT_TRUE(isNear || isShown) << names.text(names.all()[label.index]);
+            leftOut += meets;
+        }
+    }
+    EXPECT_GT(leftOut, 30u);
+}
+
+TEST_F(MKLabels, MakeRoomForLargeCitiesAndCapitals) {
+    MKLabelLayout& layout = MKLabelLayout::shared(names);
+    for (const char* const city : {"Tokyo", "London", "Warsaw", "Vienna", "Kabul", "Rio de Janeiro"}) {
+        const size_t index = find(city, BasemapNameKind::City);
+        EXPECT_LT(layout.settled(index).firstZoom, names.all()[index].minimumZoom + 1) << city;
+    }
+}
+
 TEST_F(MKLabels, OnlyComeWhileTheMapGrowsUntilTheirLandHasOutgrownThem) {
     for (int round = 0; round < 40; ++round) {
         MKTileScene scene = randomScene();
@@ -165,6 +203,9 @@ TEST_F(MKLabels, ShowWhatMattersFirst) {
         return layout.settled(find(text, kind)).firstZoom;
     };
     EXPECT_LT(firstZoom("China", BasemapNameKind::Country), 1.5);
+    EXPECT_LT(firstZoom("Germany", BasemapNameKind::Country), 2);
+    EXPECT_LT(firstZoom("Sweden", BasemapNameKind::Country), 2);
+    EXPECT_LT(firstZoom("DR Congo", BasemapNameKind::Country), 2);
     EXPECT_LT(firstZoom("Tokyo", BasemapNameKind::City), 3.5);
     EXPECT_LT(firstZoom("Paris", BasemapNameKind::City), firstZoom("Lyon", BasemapNameKind::City));
     EXPECT_LT(firstZoom("Germany", BasemapNameKind::Country), firstZoom("Luxembourg", BasemapNameKind::Country));

@@ -19,16 +19,22 @@ class MKMapViewNames : public MapTest {
 protected:
     MKMapViewNames() { MKLabelWriter::setFontFamily("DejaVu Sans"); }
 
-    size_t differenceMadeByNames() {
+    size_t differenceMadeByNames() { return differenceMadeByNames(window->bounds()); }
+    /// Of the pixels within some points.
+    size_t differenceMadeByNames(const CGRect& area) {
         map->setTileSource(std::make_shared<MKBasemapSource>(&builtInBasemap, &builtInImagery, &noNames));
         settle();
         const std::vector<uint32_t> without = pixels();
         map->setTileSource(MKBasemapSource::shared());
         settle();
         const std::vector<uint32_t> with = pixels();
+        const auto width = static_cast<size_t>(window->pixelWidth());
         size_t different = 0;
         for (size_t i = 0; i < with.size(); ++i) {
-            different += with[i] != without[i];
+            const auto x = static_cast<double>(i % width), y = static_cast<double>(i / width);
+            const bool isInside = x >= area.origin.x && x < area.origin.x + area.size.width && y >= area.origin.y &&
+                                  y < area.origin.y + area.size.height;
+            different += isInside && with[i] != without[i];
         }
         return different;
     }
@@ -46,6 +52,25 @@ TEST_F(MKMapViewNames, AreOnTheStandardAndTheHybridMapButNotOnTheSatellites) {
     EXPECT_GT(differenceMadeByNames(), 1000u);
     map->setMapType(MKMapTypeSatellite);
     EXPECT_EQ(differenceMadeByNames(), 0u);
+}
+
+TEST_F(MKMapViewNames, KeepOutOfTheScaleBarAndTheAttribution) {
+    const CapturedLog log;
+    show({400, 300});
+    map->setShowsAttribution(true);
+    const CGRect attribution = window->caption().frame, scaleBar{{6, 270}, {100, 24}};
+    size_t under = 0;
+    for (const double longitude : {2.0, 9.0, 13.0, 21.0}) {
+        map->setRegion({{48, longitude}, {12, 12}});
+        map->setShowsScale(false);
+        map->setShowsAttribution(false);
+        under += differenceMadeByNames(scaleBar) + differenceMadeByNames(attribution);
+        map->setShowsScale(true);
+        map->setShowsAttribution(true);
+        EXPECT_EQ(differenceMadeByNames(scaleBar), 0u) << longitude;
+        EXPECT_EQ(differenceMadeByNames(attribution), 0u) << longitude;
+    }
+    EXPECT_GT(under, 1000u) << "without them there are names";
 }
 
 TEST_F(MKMapViewNames, ThatCannotBeReadAreLoggedOnceAndTheMapIsDrawnWithoutThem) {

@@ -44,6 +44,8 @@ void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name
     printFigure(name + ": gap between frames, 95th percentile", sorted[sorted.size() * 95 / 100], "ms");
     const auto frames = static_cast<double>(gaps.size());
     if (before.contains("frames-put")) {
+        printFigure(name + ": drawing and putting a frame, 95th percentile",
+                    static_cast<double>(host.statistics().at("frame-microseconds")) / 1000, "ms");
         printFigure(name + ": map thread, a frame", 1000 * (threadSeconds(process, "veyra-main") - ours) / frames,
                     "ms cpu");
         printFigure(name + ": tile workers, a frame", 1000 * (threadSeconds(process, "veyra-tiles") - workers) / frames,

@@ -22,7 +22,9 @@ struct FramePresenter::Drawing {
     bool needsAnotherFrame = false;
 
     void run() {
+        const int64_t start = g_get_monotonic_time();
         picture.changes = window->drawFrame(monotonicSeconds());
+        picture.drawingTime = g_get_monotonic_time() - start;
         picture.store = window->store();
         needsAnotherFrame = window->needsFrame();
         if (!picture.changes.empty())
@@ -152,14 +154,18 @@ void FramePresenter::finishDrawing(Drawing& drawing) {
 
 const FramePresenter::Picture* FramePresenter::animationFrame() {
     _isFrameRequested = false;
-    if (_picture && _surface.isAttached())
+    if (_picture && _surface.isAttached()) {
+        _putStart = g_get_monotonic_time();
         return &*_picture;
+    }
     _hadFrameSinceDrawing = true;
     advance();
     return nullptr;
 }
 
 void FramePresenter::framePut() {
+    if (_picture)
+        frameStatistics().times.add(static_cast<uint64_t>(_picture->drawingTime + g_get_monotonic_time() - _putStart));
     _picture.reset();
     _hadFrameSinceDrawing = true;
     ++frameStatistics().put;

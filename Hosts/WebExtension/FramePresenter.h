@@ -37,6 +37,7 @@ public:
     struct Picture {
         std::shared_ptr<const UIWindowStore> store;
         std::vector<PixelRect> changes;
+        int64_t drawingTime = 0; ///< microseconds
     };
     /// The animation frame that was asked for has come: what it must put on the canvas before it calls `framePut`, or
     /// null when there is nothing.
@@ -72,6 +73,7 @@ private:
     bool _isDrawing = false;
     bool _isFrameRequested = false;
     bool _hadFrameSinceDrawing = true;             // one drawing an animation frame
+    int64_t _putStart = 0;                         // of the picture, microseconds
     std::optional<Picture> _picture;               // that waits to be put
     std::weak_ptr<const UIWindowStore> _lastStore; // of which all that the canvas lacks is known
 };

@@ -107,6 +107,7 @@ GVariant* statistics() {
     g_variant_dict_insert(&numbers, "frames-put", "t", guint64{frameStatistics().put});
     g_variant_dict_insert(&numbers, "animation-frames-requested", "t",
                           guint64{frameStatistics().animationFramesRequested});
+    g_variant_dict_insert(&numbers, "frame-microseconds", "t", frameStatistics().times.takePercentile95());
     g_variant_dict_insert(&numbers, "processor-microseconds", "t", processorMicroseconds());
     return g_variant_dict_end(&numbers);
 }

@@ -2,7 +2,8 @@
 // - "veyra-when-idle": answered with an empty message once the page has been loaded, and all maps of all its frames are
 //   idle and have put their last frame on the canvas. Maps that nobody can see count as idle.
 // - "veyra-statistics": answered with a dictionary (a{sv}) of numbers (t), all of the process: "views", "contexts",
-//   "frames-drawn", "frames-put", "animation-frames-requested", "processor-microseconds".
+//   "frames-drawn", "frames-put", "animation-frames-requested", "processor-microseconds", and "frame-microseconds":
+//   what the frames since the last such message took, 95th percentile.
 // - "veyra-collect-garbage": runs the script engine's collector, then answers with an empty message. For tests.
 // Web thread only.
 #pragma once

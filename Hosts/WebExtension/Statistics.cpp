@@ -3,11 +3,14 @@
 #include "Classes/VeyraView.h"
 #include "Platform/Foundation/NSNotificationCenter.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace veyra {
 
 namespace {
+
+constexpr size_t mostTimes = 1000;
 
 struct ViewList {
     std::mutex mutex;
@@ -24,6 +27,26 @@ ViewList& viewList() {
 FrameStatistics& frameStatistics() {
     static auto* statistics = new FrameStatistics;
     return *statistics;
+}
+
+void FrameTimes::add(uint64_t microseconds) {
+    const NSLockGuard guard(_mutex);
+    if (_times.size() < mostTimes)
+        _times.push_back(microseconds);
+    else
+        _times[_count % mostTimes] = microseconds;
+    ++_count;
+}
+
+uint64_t FrameTimes::takePercentile95() {
+    const NSLockGuard guard(_mutex);
+    _count = 0;
+    auto times = std::exchange(_times, {});
+    if (times.empty())
+        return 0;
+    const auto place = times.begin() + static_cast<ptrdiff_t>(times.size() * 95 / 100);
+    std::nth_element(times.begin(), place, times.end());
+    return *place;
 }
 
 void countViews() {

@@ -47,6 +47,8 @@ void ScriptPage::run(const std::string& source) {
     }
     installGlobals();
     evaluate(source);
+    // As in a page: the script hears of everything that the first frame brings.
+    dispatch_async(dispatch_get_main_queue(), [window = _window] { window->startDrawing(); });
     endWhenNothingIsLeft();
 }
 

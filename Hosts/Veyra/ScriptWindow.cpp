@@ -8,8 +8,11 @@ namespace veyra {
 
 void ScriptWindow::start(CGSize size, double scale, std::function<void()> idle) {
     _window->setIdleHandler(std::move(idle));
-    _window->setFrameRequestHandler([this] { scheduleFrame(); });
     _window->setSize(size, scale);
+}
+
+void ScriptWindow::startDrawing() {
+    _window->setFrameRequestHandler([this] { scheduleFrame(); });
 }
 
 void ScriptWindow::stop() {

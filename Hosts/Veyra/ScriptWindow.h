@@ -13,8 +13,10 @@ public:
     ScriptWindow(std::shared_ptr<UIWindow> window, double startTime)
         : _window(std::move(window)), _startTime(startTime) {}
 
-    /// Shows the window at its size and draws from now on. `idle` runs whenever the window has become idle.
+    /// Gives the window its size. `idle` runs whenever the window has become idle.
     void start(CGSize size, double scale, std::function<void()> idle);
+    /// Draws from now on.
+    void startDrawing();
     /// Draws no more.
     void stop();
     bool isIdle() const { return _window->isIdle(); }

@@ -21,7 +21,7 @@ void MKAttributionView::setAttribution(const MKTileAttribution& attribution, dou
 }
 
 void MKAttributionView::drawRect(const UIGraphicsContext& context) {
-    _text.draw(context, {0, 0});
+    _text.draw(context, {0, 0}, _ink);
 }
 
 } // namespace veyra

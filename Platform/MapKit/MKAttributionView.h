@@ -15,12 +15,16 @@ public:
     /// Changes the view's size to what the text needs, at most `maximumWidth` points; its origin stays.
     void setAttribution(const MKTileAttribution& attribution, double maximumWidth);
 
+    /// The map says what the ground is like before this is drawn with it.
+    void setInk(MKQuietInk ink) { _ink = ink; }
+
     void drawRect(const UIGraphicsContext& context) override;
 
 private:
     MKTileAttribution _attribution;
     double _maximumWidth = 0;
     MKQuietText _text;
+    MKQuietInk _ink = MKQuietInk::Dark;
 };
 
 } // namespace veyra

@@ -43,6 +43,7 @@ void MKMapView::drawRect(const UIGraphicsContext& context) {
                       .style = window()->userInterfaceStyle(),
                       .scaleIsChanging = scaleIsChanging,
                       .destination = animation ? std::optional(animation->target()) : std::nullopt});
+    chooseFurnitureInk(window()->userInterfaceStyle());
     _tiles->draw(context);
     drawLabels(context);
     _overlayLayer->setScene(_camera, _viewSize, context.scale, scaleIsChanging);

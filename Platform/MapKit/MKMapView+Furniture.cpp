@@ -78,6 +78,14 @@ void MKMapView::layOutFurniture() {
     publishCaption();
 }
 
+void MKMapView::chooseFurnitureInk(UIUserInterfaceStyle style) {
+    const bool isDark =
+        _mapType != MKMapTypeStandard || (style == UIUserInterfaceStyleDark && _tiles->source().hasDarkPicture());
+    const MKQuietInk ink = isDark ? MKQuietInk::Light : MKQuietInk::Dark;
+    _scaleBar->setInk(ink);
+    _attributionView->setInk(ink);
+}
+
 std::vector<CGRect> MKMapView::furnitureAreas() const {
     std::vector<CGRect> areas;
     if (!_scaleBar->isHidden()) {

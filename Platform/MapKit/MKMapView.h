@@ -224,6 +224,8 @@ private:
     void addFurniture();
     /// Brings the scale bar and the attribution up to date.
     void layOutFurniture();
+    /// For what is about to be drawn on ground of that style.
+    void chooseFurnitureInk(UIUserInterfaceStyle style);
     /// What names on the map keep out of, in points.
     std::vector<CGRect> furnitureAreas() const;
     void publishCaption();

@@ -38,12 +38,20 @@ Layout makeLayout(const std::string& text, double maximumWidth, bool isUnderline
 
 } // namespace
 
-void setQuietRimColor(cairo_t* cairo) {
-    cairo_set_source_rgba(cairo, 1, 1, 1, 0.75);
+void setQuietRimColor(cairo_t* cairo, MKQuietInk ink) {
+    if (ink == MKQuietInk::Dark) {
+        cairo_set_source_rgba(cairo, 1, 1, 1, 0.75);
+    } else {
+        cairo_set_source_rgba(cairo, 0.05, 0.07, 0.1, 0.6);
+    }
 }
 
-void setQuietInkColor(cairo_t* cairo) {
-    cairo_set_source_rgb(cairo, 0.22, 0.24, 0.27);
+void setQuietInkColor(cairo_t* cairo, MKQuietInk ink) {
+    if (ink == MKQuietInk::Dark) {
+        cairo_set_source_rgb(cairo, 0.22, 0.24, 0.27);
+    } else {
+        cairo_set_source_rgb(cairo, 0.9, 0.92, 0.94);
+    }
 }
 
 MKQuietText::MKQuietText(std::string text, double maximumWidth, bool isUnderlined)
@@ -55,7 +63,7 @@ MKQuietText::MKQuietText(std::string text, double maximumWidth, bool isUnderline
              std::ceil(static_cast<double>(extents.height) / PANGO_SCALE) + 2 * rim};
 }
 
-MKQuietText::Surface MKQuietText::makePicture(double scale) const {
+MKQuietText::Surface MKQuietText::makePicture(double scale, MKQuietInk ink) const {
     Surface picture(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(std::ceil(_size.width * scale)),
                                                static_cast<int>(std::ceil(_size.height * scale))));
     cairo_t* const cairo = cairo_create(picture.get());
@@ -66,18 +74,19 @@ MKQuietText::Surface MKQuietText::makePicture(double scale) const {
     pango_cairo_layout_path(cairo, layout.get());
     cairo_set_line_width(cairo, 2 * rim);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-    setQuietRimColor(cairo);
+    setQuietRimColor(cairo, ink);
     cairo_stroke_preserve(cairo);
-    setQuietInkColor(cairo);
+    setQuietInkColor(cairo, ink);
     cairo_fill(cairo);
     cairo_destroy(cairo);
     return picture;
 }
 
-void MKQuietText::draw(const UIGraphicsContext& context, CGPoint origin) const {
-    if (!_picture || _pictureScale != context.scale) {
-        _picture = makePicture(context.scale);
+void MKQuietText::draw(const UIGraphicsContext& context, CGPoint origin, MKQuietInk ink) const {
+    if (!_picture || _pictureScale != context.scale || _pictureInk != ink) {
+        _picture = makePicture(context.scale, ink);
         _pictureScale = context.scale;
+        _pictureInk = ink;
     }
     cairo_t* const cairo = context.cairo;
     cairo_user_to_device(cairo, &origin.x, &origin.y);

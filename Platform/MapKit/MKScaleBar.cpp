@@ -69,12 +69,12 @@ void MKScaleBar::drawRect(const UIGraphicsContext& context) {
     cairo_set_line_cap(cairo, CAIRO_LINE_CAP_BUTT);
     addBracket(cairo, inset, bottom, _scale.width);
     cairo_set_line_width(cairo, line + 2 * MKQuietText::rim);
-    setQuietRimColor(cairo);
+    setQuietRimColor(cairo, _ink);
     cairo_stroke_preserve(cairo);
     cairo_set_line_width(cairo, line);
-    setQuietInkColor(cairo);
+    setQuietInkColor(cairo, _ink);
     cairo_stroke(cairo);
-    _text.draw(context, {std::max(inset + (_scale.width - _text.size().width) / 2, 0.0), 0});
+    _text.draw(context, {std::max(inset + (_scale.width - _text.size().width) / 2, 0.0), 0}, _ink);
 }
 
 } // namespace veyra

@@ -29,11 +29,15 @@ public:
     /// Changes the view's size with the scale; its origin stays.
     void setScale(const MKScale& scale);
 
+    /// The map says what the ground is like before this is drawn with it.
+    void setInk(MKQuietInk ink) { _ink = ink; }
+
     void drawRect(const UIGraphicsContext& context) override;
 
 private:
     MKScale _scale;
     MKQuietText _text;
+    MKQuietInk _ink = MKQuietInk::Dark;
 };
 
 } // namespace veyra

@@ -10,6 +10,7 @@
 #include "Platform/MapKit/MKMapType.h"
 #include "Platform/MapKit/MKMapViewDelegate.h"
 #include "Platform/UIKit/UIEvent.h"
+#include "Platform/UIKit/UIUserInterfaceStyle.h"
 #include "Platform/UIKit/UIView.h"
 
 #include <string>

@@ -171,10 +171,10 @@ int main(int argc, char** argv) {
         measureMotion(host, screen, "zoom" + way, "await zoom(600, 48, 10)");
         if (!composited) {
             measureGestures(host, screen);
-            measureContents(host, screen);
             measureConversions(host);
-            measureIdle(host, "idle, one map");
             measureReads(host);
+            measureContents(host, screen);
+            measureIdle(host, "idle, one map");
             measureLeftPages(host, page);
         }
     }

@@ -129,7 +129,8 @@ void measureLeftPages(PageHost& host, const std::string& page) {
     }
     const auto left = host.statistics();
     printFigure("200 left pages: views alive", static_cast<double>(left.at("views")), "");
-    printFigure("200 left pages: script contexts alive", static_cast<double>(left.at("contexts")), "");
+    printFigure("200 left pages: script contexts alive, that of the shown page included",
+                static_cast<double>(left.at("contexts")), "");
 }
 
 } // namespace

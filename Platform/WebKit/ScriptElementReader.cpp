@@ -17,22 +17,28 @@ public:
     ScriptElementWalk(const ScriptElementWalk&) = delete;
     ScriptElementWalk& operator=(const ScriptElementWalk&) = delete;
     void run(JSObjectRef array, uint64_t length);
+    void visitOne(JSContextRef script, size_t count, const JSValueRef values[]);
+    void visitMany(JSContextRef script, size_t count, JSValueRef texts);
 
     static inline ScriptElementWalk* current = nullptr;
 
     ScriptContext& context;
-    const ScriptKeySequence& sequence;
-    const ScriptHelpers::ElementReader& reader;
-    const std::function<void(const id&)>& visit;
     std::exception_ptr thrown;
 
 private:
+    const ScriptKeySequence& _sequence;
+    const std::function<void(const id&)>& _visit;
+    // Of this walk's own arrays: its elements' values, one element after the other.
+    std::span<uint8_t> _kinds;
+    const double* _numbers = nullptr;
     ScriptElementWalk* const _outer;
 };
 
 namespace {
 
-constexpr size_t maximumKeys = 32;
+// Elements that come at a time, and units of the longest string of one that does. An element's strings are parts of one
+// text, told by one number: where they begin times `textUnit`, plus their length.
+constexpr uint64_t maximumRoom = 256, longestText = 1000, textUnit = 1024;
 
 /// How the reader tells what it has read.
 enum Kind : uint8_t { Nothing, Number, False, True, Other, Null, Text };
@@ -54,13 +60,15 @@ std::string conditionFor(ScriptKeyValue expected, const std::string& a) {
     return "false";
 }
 
-/// The reader's text. It names nothing that a page could have replaced. All keys of an element are read before the
-/// shared arrays are written: a getter may begin another walk.
+/// The reader's text: of a function (array, length, kinds, numbers, room). It names nothing that a page could have
+/// replaced. All keys of an element are read before its values are written, and a walk has arrays of its own: a getter
+/// may begin another walk. Up to `room` elements of simple values wait for native code to take them together; the kinds
+/// are 0 before one of these is written.
 std::string readerText(const ScriptKeySequence& sequence) {
+    const std::string count = std::to_string(sequence.keys.size());
     const std::string hasStopped = "stop[0] !== 0";
     std::string variables = "n = 0";
-    std::string reads;
-    std::string kinds;
+    std::string reads, kinds, waiting;
     std::string arguments = "e, n";
     for (size_t i = 0; i < sequence.keys.size(); ++i) {
         const std::string index = std::to_string(i);
@@ -70,12 +78,21 @@ std::string readerText(const ScriptKeySequence& sequence) {
         reads += "try { " + a + " = " + "e." + sequence.keys[i].name.utf8() + "; } catch (x) { report(x); }\n" +
                  "n = " + std::to_string(i + 1) + ";\n" + "if (" + hasStopped + " || !(" +
                  conditionFor(sequence.keys[i].expected, a) + ")) break read;\n";
+        const std::string other = a + " === null ? 5 : " + a + " === false ? 2 : " + a + " === true ? 3 : ";
         kinds += "if (typeof " + a + " === 'number') { kinds[" + index + "] = 1; numbers[" + index + "] = " + a +
-                 "; } else kinds[" + index + "] = " + a + " === undefined ? 0 : " + a + " === null ? 5 : " + a +
-                 " === false ? 2 : " + a + " === true ? 3 : typeof " + a + " === 'string' ? 6 : 4;\n";
+                 "; } else kinds[" + index + "] = " + a + " === undefined ? 0 : " + other + "typeof " + a +
+                 " === 'string' ? 6 : 4;\n";
+        const std::string place = "[base + " + index + "] = ";
+        waiting += "if (" + a + " !== undefined) {\nif (typeof " + a + " === 'number') { kinds" + place + "1; numbers" +
+                   place + a + "; } else if (typeof " + a + " === 'string') {\nif (" + a + " !== last) {\nif (" + a +
+                   ".length > " + std::to_string(longestText) + ") break wait;\nlast = " + a + "; at = size * " +
+                   std::to_string(textUnit) + " + " + a + ".length; texts += " + a + "; size += " + a +
+                   ".length;\n}\nkinds" + place + "6; numbers" + place + "at;\n} else {\nconst kind = " + other +
+                   "4;\nif (kind === 4) break wait;\nkinds" + place + "kind;\n}\n}\n";
     }
-    return "(function (take, report, kinds, numbers, stop) { 'use strict';\n"
-           "return function (array, length) {\n"
+    return "(function (take, takeMany, report, kindOf, stop) { 'use strict';\n"
+           "return function (array, length, kinds, numbers, room) {\n"
+           "let count = 0, base = 0, texts = '', size = 0, last, at = 0;\n"
            "for (let i = 0; i < length; ++i) {\n"
            "let e, " +
            variables +
@@ -83,11 +100,25 @@ std::string readerText(const ScriptKeySequence& sequence) {
            "try { e = array[i]; } catch (x) { report(x); }\n"
            "if (" +
            hasStopped +
-           ") return;\n"
+           ") break;\n"
            "read: if (typeof e === 'object' && e !== null || typeof e === 'function') {\n" +
-           reads + "}\n" + kinds + "if (take(" + arguments +
+           reads + "}\nwait: if (room !== 0 && n === " + count + " && !(" + hasStopped + ") && kindOf(e) === 0) {\n" +
+           waiting + "base += " + count +
+           ";\n"
+           "if (++count < room) continue;\n"
+           "if (takeMany(count, texts)) return;\n"
+           "count = base = size = 0; texts = ''; last = undefined;\n"
+           "continue;\n"
+           "}\n"
+           "if (count !== 0) {\n"
+           "if (takeMany(count, texts)) return;\n"
+           "count = base = size = 0; texts = ''; last = undefined;\n"
+           "}\n" +
+           kinds + "if (take(" + arguments +
            ")) return;\n"
-           "} }; })";
+           "}\n"
+           "if (count !== 0) takeMany(count, texts);\n"
+           "}; })";
 }
 
 JSObjectRef asObject(JSContextRef script, JSValueRef value) {
@@ -95,14 +126,11 @@ JSObjectRef asObject(JSContextRef script, JSValueRef value) {
 }
 
 /// The values that were read ahead of an element, in the order of its sequence.
-class ElementValues final : public ScriptValuesAhead {
+class ElementValues : public ScriptValuesAhead {
 public:
-    /// `values` are those of the running call, which keeps them alive. What other walks use too is copied.
-    ElementValues(const ScriptElementWalk& walk, size_t count, const JSValueRef* values)
-        : _context(walk.context), _keys(walk.sequence.keys), _count(count), _values(values) {
-        std::copy_n(walk.reader.kinds, count, _kinds.begin());
-        std::copy_n(walk.reader.numbers, count, _numbers.begin());
-    }
+    /// The arrays are the walk's, which no other walk writes, and are not written while the element is visited.
+    ElementValues(const ScriptKeySequence& sequence, size_t count, const uint8_t* kinds, const double* numbers)
+        : _keys(sequence.keys), _count(count), _kinds(kinds), _numbers(numbers) {}
 
     bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value) override {
         if (_next >= _count || !(_keys[_next].name == key)) {
@@ -114,12 +142,32 @@ public:
         const size_t index = _next++;
         kind = kinds[_kinds[index]];
         number = kind == Kind::Boolean ? _kinds[index] == True : _numbers[index];
-        value = _values[index];
+        value = valueAt(index);
         return true;
     }
 
+protected:
+    ~ElementValues() = default;
+
+private:
+    virtual JSValueRef valueAt(size_t index) const = 0;
+
+    const std::vector<ScriptKeySequence::Key>& _keys;
+    size_t _count, _next = 0;
+    const uint8_t* const _kinds;
+    const double* const _numbers;
+};
+
+/// Those of an element that came alone.
+class SingleValues final : public ElementValues {
+public:
+    /// `values` are those of the running call, which keeps them alive.
+    SingleValues(ScriptContext& context, const ScriptKeySequence& sequence, size_t count, const uint8_t* kinds,
+                 const double* numbers, const JSValueRef* values)
+        : ElementValues(sequence, count, kinds, numbers), _context(context), _values(values) {}
+
     // A sequence may read a string several times over.
-    id text(JSValueRef value) override {
+    id text(JSValueRef value, double) override {
         if (value != _lastText) {
             _lastText = value;
             _lastNative = _context.toNative(value);
@@ -128,30 +176,65 @@ public:
     }
 
 private:
+    JSValueRef valueAt(size_t index) const override { return _values[index]; }
+
     ScriptContext& _context;
-    const std::vector<ScriptKeySequence::Key>& _keys;
-    size_t _count, _next = 0;
     const JSValueRef* const _values;
-    std::array<uint8_t, maximumKeys> _kinds;
-    std::array<double, maximumKeys> _numbers;
     JSValueRef _lastText = nullptr;
     id _lastNative;
 };
 
-/// function (element, count of values read, values…): whether the walk ends. No exception may pass the engine.
-JSValueRef takeElement(JSContextRef script, JSObjectRef, JSObjectRef, size_t count, const JSValueRef values[],
-                       JSValueRef*) {
-    ScriptElementWalk& walk = *ScriptElementWalk::current;
-    if (walk.context.globalContext()) {
-        try {
-            const auto read = static_cast<size_t>(JSValueToNumber(script, values[1], nullptr));
-            ElementValues ahead(walk, std::min(read, count - 2), values + 2);
-            walk.context.visitElement(values[0], ahead, walk.visit);
-        } catch (...) {
-            walk.thrown = std::current_exception();
+/// Those of one of several that came together.
+class WaitingValues final : public ElementValues {
+public:
+    WaitingValues(const ScriptKeySequence& sequence, const uint8_t* kinds, const double* numbers,
+                  std::u16string_view texts)
+        : ElementValues(sequence, sequence.keys.size(), kinds, numbers), _texts(texts) {}
+
+    id text(JSValueRef, double place) override {
+        if (place != _lastPlace) {
+            _lastPlace = place;
+            const auto number = static_cast<uint64_t>(place);
+            _lastNative = id(NSString(_texts.substr(number / textUnit, number % textUnit)));
         }
+        return _lastNative;
+    }
+
+private:
+    JSValueRef valueAt(size_t) const override { return nullptr; }
+
+    const std::u16string_view _texts;
+    double _lastPlace = -1;
+    id _lastNative;
+};
+
+/// Runs one step of the walk; true when it ends. No exception may pass the engine.
+template <class Step>
+JSValueRef guardStep(JSContextRef script, Step&& step) {
+    ScriptElementWalk& walk = *ScriptElementWalk::current;
+    try {
+        step(walk);
+    } catch (...) {
+        walk.thrown = std::current_exception();
     }
     return JSValueMakeBoolean(script, walk.thrown || !walk.context.globalContext());
+}
+
+/// function (element, count of values read, values…): whether the walk ends.
+JSValueRef takeElement(JSContextRef script, JSObjectRef, JSObjectRef, size_t count, const JSValueRef values[],
+                       JSValueRef*) {
+    return guardStep(script, [&](ScriptElementWalk& walk) {
+        if (walk.context.globalContext())
+            walk.visitOne(script, count, values);
+    });
+}
+
+/// function (count of elements, their texts): whether the walk ends. These came before what has ended the page, if it
+/// has gone.
+JSValueRef takeElements(JSContextRef script, JSObjectRef, JSObjectRef, size_t, const JSValueRef values[], JSValueRef*) {
+    return guardStep(script, [&](ScriptElementWalk& walk) {
+        walk.visitMany(script, static_cast<size_t>(JSValueToNumber(script, values[0], nullptr)), values[1]);
+    });
 }
 
 /// function (exception of a getter).
@@ -162,40 +245,33 @@ JSValueRef reportException(JSContextRef script, JSObjectRef, JSObjectRef, size_t
     return JSValueMakeUndefined(script);
 }
 
-ScriptHelpers::ElementReader makeReader(JSContextRef script, const ScriptKeySequence& sequence, JSObjectRef stop) {
-    JSObjectRef kinds = JSObjectMakeTypedArray(script, kJSTypedArrayTypeUint8Array, maximumKeys, nullptr);
-    JSObjectRef numbers = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, maximumKeys, nullptr);
+JSObjectRef makeReader(JSContextRef script, const ScriptKeySequence& sequence, JSObjectRef kindOf, JSObjectRef stop) {
     JSStringRef text = JSStringCreateWithUTF8CString(readerText(sequence).c_str());
     JSObjectRef maker = asObject(script, JSEvaluateScript(script, text, nullptr, nullptr, 1, nullptr));
     JSStringRelease(text);
-    if (!kinds || !numbers || !maker)
-        return {};
+    if (!maker)
+        return nullptr;
     const JSValueRef arguments[] = {JSObjectMakeFunctionWithCallback(script, nullptr, takeElement),
-                                    JSObjectMakeFunctionWithCallback(script, nullptr, reportException), kinds, numbers,
-                                    stop};
-    const JSValueRef function =
-        JSObjectCallAsFunction(script, maker, nullptr, std::size(arguments), arguments, nullptr);
-    return {asObject(script, function),
-            static_cast<const uint8_t*>(JSObjectGetTypedArrayBytesPtr(script, kinds, nullptr)),
-            static_cast<double*>(JSObjectGetTypedArrayBytesPtr(script, numbers, nullptr))};
+                                    JSObjectMakeFunctionWithCallback(script, nullptr, takeElements),
+                                    JSObjectMakeFunctionWithCallback(script, nullptr, reportException), kindOf, stop};
+    return asObject(script, JSObjectCallAsFunction(script, maker, nullptr, std::size(arguments), arguments, nullptr));
 }
 
 } // namespace
 
-const ScriptHelpers::ElementReader& ScriptHelpers::elementReader(const ScriptKeySequence& sequence) {
-    ElementReader& reader = _elementReaders[&sequence];
-    if (!reader.function) {
-        reader = makeReader(_context.globalContext(), sequence, stopArray());
-        if (reader.function)
-            _context.keep(reader.function); // which keeps the arrays
+JSObjectRef ScriptHelpers::elementReader(const ScriptKeySequence& sequence) {
+    JSObjectRef& reader = _elementReaders[&sequence];
+    if (!reader) {
+        reader = makeReader(_context.globalContext(), sequence, shared().kindOf, stopArray());
+        if (reader)
+            _context.keep(reader);
     }
     return reader;
 }
 
 ScriptElementWalk::ScriptElementWalk(ScriptContext& ofPage, const ScriptKeySequence& keys,
                                      const std::function<void(const id&)>& visitor)
-    : context(ofPage), sequence(keys), reader(ofPage.helpers().elementReader(keys)), visit(visitor),
-      _outer(std::exchange(current, this)) {}
+    : context(ofPage), _sequence(keys), _visit(visitor), _outer(std::exchange(current, this)) {}
 
 ScriptElementWalk::~ScriptElementWalk() {
     current = _outer;
@@ -203,13 +279,48 @@ ScriptElementWalk::~ScriptElementWalk() {
 
 void ScriptElementWalk::run(JSObjectRef array, uint64_t length) {
     const JSContextRef script = context.globalContext();
-    if (!reader.function)
+    const uint64_t room = _sequence.isAll && length > 1 ? std::min(length, maximumRoom) : 0;
+    const size_t values = _sequence.keys.size() * std::max<uint64_t>(room, 1);
+    // Found by the collector on this thread's stack.
+    JSObjectRef const kinds = JSObjectMakeTypedArray(script, kJSTypedArrayTypeUint8Array, values, nullptr);
+    JSObjectRef const numbers = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, values, nullptr);
+    JSObjectRef const reader = context.helpers().elementReader(_sequence);
+    if (!kinds || !numbers || !reader)
         throw std::bad_alloc();
-    const JSValueRef arguments[] = {array, JSValueMakeNumber(script, static_cast<double>(length))};
+    _kinds = {static_cast<uint8_t*>(JSObjectGetTypedArrayBytesPtr(script, kinds, nullptr)), values};
+    _numbers = static_cast<const double*>(JSObjectGetTypedArrayBytesPtr(script, numbers, nullptr));
+    const JSValueRef arguments[] = {array, JSValueMakeNumber(script, static_cast<double>(length)), kinds, numbers,
+                                    JSValueMakeNumber(script, static_cast<double>(room))};
     JSValueRef exception = nullptr;
-    JSObjectCallAsFunction(script, reader.function, nullptr, std::size(arguments), arguments, &exception);
+    JSObjectCallAsFunction(script, reader, nullptr, std::size(arguments), arguments, &exception);
     if (exception) // the engine's own: its stack is used up
         context.reportException(exception);
+}
+
+void ScriptElementWalk::visitOne(JSContextRef script, size_t count, const JSValueRef values[]) {
+    const auto read = static_cast<size_t>(JSValueToNumber(script, values[1], nullptr));
+    SingleValues ahead(context, _sequence, std::min(read, count - 2), _kinds.data(), _numbers, values + 2);
+    context.visitElement(values[0], ahead, _visit);
+    std::ranges::fill(_kinds.first(_sequence.keys.size()), Nothing);
+}
+
+void ScriptElementWalk::visitMany(JSContextRef script, size_t count, JSValueRef texts) {
+    const std::unique_ptr<OpaqueJSString, decltype(&JSStringRelease)> joined(
+        JSValueToStringCopy(script, texts, nullptr), JSStringRelease);
+    if (!joined)
+        throw std::bad_alloc();
+    const std::u16string_view units(reinterpret_cast<const char16_t*>(JSStringGetCharactersPtr(joined.get())),
+                                    JSStringGetLength(joined.get()));
+    const std::shared_ptr<WebScriptObject> element(new WebScriptObject(context.shared_from_this(), nullptr));
+    const id native(element);
+    const bool wasAlive = context.isAlive();
+    for (size_t i = 0; i < count && context.isAlive() == wasAlive; ++i) {
+        const size_t first = i * _sequence.keys.size();
+        WaitingValues ahead(_sequence, &_kinds[first], _numbers + first, units);
+        const AnsweringAhead answering(element, ahead);
+        _visit(native);
+    }
+    std::ranges::fill(_kinds, Nothing); // that of an element which was not simple after all, too
 }
 
 void visitScriptElements(WebScriptObject& array, uint64_t length, const ScriptKeySequence& sequence,
@@ -222,6 +333,27 @@ void visitScriptElements(WebScriptObject& array, uint64_t length, const ScriptKe
     walk.run(object, length);
     if (walk.thrown)
         std::rethrow_exception(walk.thrown);
+}
+
+void visitScriptObject(WebScriptObject& object, const ScriptKeySequence& sequence,
+                       const std::function<void(const id&)>& visit) {
+    const auto context = object.context();
+    const id native(std::static_pointer_cast<WebScriptObject>(object.shared_from_this()));
+    bool isVisited = false;
+    const std::function<void(const id&)> visitOnce = [&](const id& element) {
+        isVisited = true;
+        visit(element);
+    };
+    const JSValueRef element = object.scriptObject();
+    JSObjectRef array = element ? JSObjectMakeArray(context->globalContext(), 1, &element, nullptr) : nullptr;
+    if (array) {
+        ScriptElementWalk walk(*context, sequence, visitOnce);
+        walk.run(array, 1);
+        if (walk.thrown)
+            std::rethrow_exception(walk.thrown);
+    }
+    if (!isVisited)
+        visit(native);
 }
 
 } // namespace veyra

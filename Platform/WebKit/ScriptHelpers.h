@@ -26,8 +26,8 @@ public:
     /// What the next read gave (numbers, and booleans as 0 and 1, in `number`, what else there is in `value`); false
     /// when the key is another one or nothing is left: then it has to be read.
     virtual bool next(const NSString& key, Kind& kind, double& number, JSValueRef& value) = 0;
-    /// A string that `next` gave as Text.
-    virtual id text(JSValueRef) { return id(); }
+    /// A string that `next` gave as Text with this value and number.
+    virtual id text(JSValueRef, double) { return id(); }
 
 protected:
     ~ScriptValuesAhead() = default;
@@ -61,13 +61,8 @@ public:
     /// The attributes that the numeric function in question has read.
     const double* arguments() { return shared().arguments; }
 
-    struct ElementReader {
-        JSObjectRef function = nullptr;
-        const uint8_t* kinds = nullptr;
-        double* numbers = nullptr;
-    };
-    /// See ScriptElementReader.cpp. Without a function for want of memory.
-    const ElementReader& elementReader(const ScriptKeySequence& sequence);
+    /// The function that reads elements; see ScriptElementReader.cpp. Null for want of memory.
+    JSObjectRef elementReader(const ScriptKeySequence& sequence);
 
     /// An array of numbers. When the first is not 0, the page is not to be read, and a helper that is reading stops.
     /// The second counts the native objects that have left their script objects.
@@ -98,7 +93,7 @@ private:
 
     ScriptContext& _context;
     Shared _shared;
-    std::unordered_map<const ScriptKeySequence*, ElementReader> _elementReaders;
+    std::unordered_map<const ScriptKeySequence*, JSObjectRef> _elementReaders; // kept
 };
 
 } // namespace veyra

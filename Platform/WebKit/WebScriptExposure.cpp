@@ -133,7 +133,7 @@ JSValueRef writeKey(size_t index, JSContextRef script, JSObjectRef thisObject, J
     if (!context)
         return throwPageGone(script, exception);
     const ExposedKey& key = exposure().keys[index];
-    NSObject* const found = exposure().resolver(script, thisObject);
+    SelfSharingObject* const found = exposure().resolver(script, thisObject);
     if (!found) {
         defineOwnProperty(*context, script, thisObject, key.scriptName, value, exception);
         return JSValueMakeUndefined(script);
@@ -153,7 +153,7 @@ JSValueRef callMethod(size_t index, JSContextRef script, JSObjectRef thisObject,
     if (!context)
         return throwPageGone(script, exception);
     if (!object) {
-        NSObject* const found = exposure().resolver(script, thisObject);
+        SelfSharingObject* const found = exposure().resolver(script, thisObject);
         if (!found)
             return throwError(script, exception, "TypeError", "The method was called on an object that is no map");
         object = found->shared_from_this();

@@ -2,13 +2,14 @@
 // functions for the selectors. Web thread.
 #pragma once
 
+#include "Platform/Foundation/SelfSharingObject.h"
 #include "Platform/WebKit/ScriptContext.h"
 
 namespace veyra {
 
 /// Finds the native object behind a script object; null when there is none. The host keeps the object alive until a
 /// script runs or the call returns; who runs scripts holds it for itself.
-using ScriptObjectResolver = NSObject* (*)(JSContextRef context, JSObjectRef thisObject);
+using ScriptObjectResolver = SelfSharingObject* (*)(JSContextRef context, JSObjectRef thisObject);
 
 /// For a host whose script object is to be no native object's any more from now on: a call on it that is running, and
 /// whose argument's getters have brought that about, ends as it would have. Web thread.

@@ -24,7 +24,7 @@ void WebScriptObject::report(JSValueRef exception) const {
 }
 
 id WebScriptObject::valueForKey(const NSString& key) {
-    if (!scriptObject())
+    if (_object ? !_context->isUsable() : !_readAhead)
         return id();
     JSValueRef exception = nullptr;
     JSValueRef value = nullptr;
@@ -41,10 +41,12 @@ id WebScriptObject::valueForKey(const NSString& key) {
         if (kind == ScriptValuesAhead::Kind::Nothing)
             return valueForUndefinedKey(key);
         if (kind == ScriptValuesAhead::Kind::Text)
-            return _readAhead->text(value);
+            return _readAhead->text(value, number);
         if (kind == ScriptValuesAhead::Kind::Exception)
             exception = value;
     } else {
+        if (!_object)
+            return id();
         self = shared_from_this(); // a getter may drop what holds this object
         value = JSObjectGetProperty(_context->_context, _object, ScriptContext::keyString(key), &exception);
     }

@@ -6,6 +6,7 @@
 // element or navigate away. Callers hold no lock and keep what they use alive.
 #pragma once
 
+#include "Platform/Foundation/SelfSharingObject.h"
 #include "Platform/WebKit/ScriptContext.h"
 
 #include <optional>
@@ -13,7 +14,7 @@
 
 namespace veyra {
 
-class WebScriptObject final : public NSObject {
+class WebScriptObject final : public SelfSharingObject {
 public:
     VEYRA_CLASS()
     ~WebScriptObject() override;
@@ -41,6 +42,8 @@ public:
 private:
     friend class ScriptContext;
     friend class AnsweringAhead;
+    friend class ScriptElementWalk;
+    /// `object` is null for one that answers only what has been read ahead.
     WebScriptObject(std::shared_ptr<ScriptContext> context, JSObjectRef object)
         : _context(std::move(context)), _object(object) {}
     void report(JSValueRef exception) const;

@@ -7,7 +7,7 @@ namespace {
 std::shared_ptr<Probe> currentProbe;
 JSObjectRef currentProbeObject = nullptr;
 
-NSObject* resolve(JSContextRef, JSObjectRef object) {
+SelfSharingObject* resolve(JSContextRef, JSObjectRef object) {
     return object == currentProbeObject ? currentProbe.get() : nullptr;
 }
 

@@ -34,7 +34,7 @@ private:
 };
 
 /// An object with what a plug-in view has: keys, methods, and members that scripts may not see.
-class Probe final : public NSObject {
+class Probe final : public SelfSharingObject {
 public:
     VEYRA_CLASS()
     id value() const { return _value; }

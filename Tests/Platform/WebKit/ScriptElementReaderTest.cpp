@@ -9,11 +9,13 @@ namespace veyra {
 
 namespace {
 
-const ScriptKeySequence& sequence() {
+const ScriptKeySequence& sequence(bool isAll = false) {
     using enum ScriptKeyValue;
-    static const auto* const keys =
-        new ScriptKeySequence{{{"a", Present}, {"b", String}, {"a", Convertible}, {"c", Any}, {"d", Any}}};
-    return *keys;
+    const std::vector<ScriptKeySequence::Key> keys{
+        {"a", Present}, {"b", String}, {"a", Convertible}, {"c", Any}, {"d", Any}};
+    static const auto* const some = new ScriptKeySequence{keys};
+    static const auto* const all = new ScriptKeySequence{keys, true};
+    return isAll ? *all : *some;
 }
 
 } // namespace
@@ -33,10 +35,10 @@ protected:
                             "@@:@");
     }
     /// Visits the elements of the script array; `keys` of each that is a script object are read, in that order.
-    std::string visit(const std::string& array, const std::vector<NSString>& keys) {
+    std::string visit(const std::string& array, const std::vector<NSString>& keys, bool isAll = false) {
         const auto list = object(array);
         std::string seen;
-        visitScriptElements(*list, static_cast<uint64_t>(list->valueForKey("length").doubleValue()), sequence(),
+        visitScriptElements(*list, static_cast<uint64_t>(list->valueForKey("length").doubleValue()), sequence(isAll),
                             [&](const id& element) {
                                 seen += seen.empty() ? "" : " | ";
                                 if (!element.as<WebScriptObject>()) {
@@ -47,6 +49,13 @@ protected:
                                     seen += element.valueForKey(key).description().utf8() + " ";
                             });
         return seen;
+    }
+    void define(const char* name, JSObjectCallAsFunctionCallback function) {
+        JSStringRef text = JSStringCreateWithUTF8CString(name);
+        JSObjectSetProperty(global, JSContextGetGlobalObject(global), text,
+                            JSObjectMakeFunctionWithCallback(global, text, function), kJSPropertyAttributeNone,
+                            nullptr);
+        JSStringRelease(text);
     }
     const std::vector<NSString> all{"a", "b", "a", "c", "d"};
 };
@@ -152,10 +161,136 @@ TEST_F(ScriptElements, WhatAVisitThrowsEndsTheWalkAndIsThrownOn) {
     EXPECT_EQ(visits, 2);
 }
 
+// Elements of simple values wait for each other; nobody may see a difference.
+TEST_F(ScriptElements, ThatComeManyAtATimeAreThoseThatComeSingly) {
+    run(R"(
+        seed = 1;
+        below = n => (seed = (Math.imul(seed, 1664525) + 1013904223) >>> 0) % n;
+        simple = () => [below(100), below(7) / 8, -1e300, NaN, 'x' + below(10), 'same', '', 'Z\u00fcrich', '\u6771' + below(3),
+                        'a\ud800', 'y'.repeat(999), true, false][below(13)];
+        any = () => [simple, simple, simple, () => null, () => undefined, () => ({}), () => [1], () => Symbol('s'), () => 5n,
+                     () => 'z'.repeat(1001), () => function () {}][below(11)]();
+        element = () => {
+            const kind = below(40);
+            if (kind === 0)
+                return [undefined, null, 7, 'text', [], Math.max][below(6)];
+            if (kind === 1)
+                return { a: any(), b: any(), c: any(), d: any() };
+            if (kind === 2)
+                return spy({ a: 1, b: 'x', get c() { throw 'no c' }, get d() { return reads.length } });
+            const made = { a: simple(), b: 'b' + below(1000) };
+            if (below(2))
+                made.c = any();
+            if (below(2))
+                made.d = simple();
+            return made;
+        };
+        list = Array.from({ length: 5000 }, element);
+        0)");
+    const std::string singly = visit("list", all);
+    const std::string readsOfThem = run("reads.splice(0).join() + errors.splice(0).join()");
+    EXPECT_GT(singly.size(), 50000u);
+    EXPECT_EQ(visit("list", all, true), singly);
+    EXPECT_EQ(run("reads.splice(0).join() + errors.splice(0).join()"), readsOfThem);
+}
+
+TEST_F(ScriptElements, AGetterMayWalkOverOthersWhileSomeWait) {
+    static std::function<void()> walkWithin;
+    std::string inner;
+    walkWithin = [&] { inner = visit("[{ a: 8, b: 'inner' }, { a: 9, b: 'of two' }]", all, true); };
+    const auto walk = [](JSContextRef script, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
+        walkWithin();
+        return JSValueMakeNumber(script, 3);
+    };
+    define("walk", walk);
+    EXPECT_EQ(visit("[{ a: 1, b: 'x', d: 'first' }, { a: 2, b: 'y', get c() { return walk() } }, { a: 4, b: 'z' }]",
+                    all, true),
+              "1 x 1 (null) first  | 2 y 2 3 (null)  | 4 z 4 (null) (null) ");
+    EXPECT_EQ(inner, "8 inner 8 (null) (null)  | 9 of two 9 (null) (null) ");
+}
+
+TEST_F(ScriptElements, ThatWaitEndWithTheirPageAndWithWhatAVisitThrows) {
+    int visits = 0;
+    const auto list = object("Array.from({ length: 600 }, (_, i) => ({ a: i, b: 'x' }))");
+    EXPECT_THROW(visitScriptElements(*list, 600, sequence(true),
+                                     [&](const id&) {
+                                         if (++visits == 300)
+                                             throw std::runtime_error("enough");
+                                     }),
+                 std::runtime_error);
+    EXPECT_EQ(visits, 300);
+    std::vector<id> kept;
+    visits = 0;
+    visitScriptElements(*list, 600, sequence(true), [&](const id& element) {
+        kept.push_back(element);
+        if (++visits == 400)
+            context->invalidate();
+        EXPECT_EQ(element.valueForKey("a").doubleValue(), visits - 1) << "it has been read";
+    });
+    EXPECT_EQ(visits, 400);
+    for (const id& element : kept)
+        EXPECT_TRUE(element.valueForKey("a").isNil());
+}
+
+TEST_F(ScriptElements, ThatWaitCameBeforeWhatEndsTheirPage) {
+    static std::function<void()> endPage;
+    endPage = [&] { context->invalidate(); };
+    const auto end = [](JSContextRef script, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
+        endPage();
+        return JSValueMakeNumber(script, 3);
+    };
+    define("end", end);
+    for (const char* getter : {"get b()", "get d()"}) {
+        EXPECT_EQ(visit(std::string("[{ a: 1, b: 'x' }, { a: 2, b: 'y', ") + getter + " { return end() } }, { a: 3 }]",
+                        all, true),
+                  "1 x 1 (null) (null) ")
+            << getter;
+        context = ScriptContext::of(global);
+    }
+}
+
+TEST_F(ScriptElements, ASingleObjectIsReadLikeAnElement) {
+    const auto single =
+        object("spy({ a: 1, get b() { throw 'no b' }, get c() { reads.push('inside c'); return 'y' }, d: [] })");
+    std::string seen;
+    visitScriptObject(*single, sequence(), [&](const id& element) {
+        EXPECT_EQ(element.as<WebScriptObject>(), single);
+        for (const NSString& key : all)
+            seen += element.valueForKey(key).description().utf8() + " ";
+    });
+    EXPECT_EQ(seen, "1 (null) 1 y WebScriptObject ");
+    EXPECT_EQ(run("reads.join()"), "a,b,a,c,inside c,d");
+    EXPECT_EQ(run("errors.join()"), "no b");
+    EXPECT_THROW(visitScriptObject(*single, sequence(), [](const id&) { throw std::runtime_error("enough"); }),
+                 std::runtime_error);
+}
+
+TEST_F(ScriptElements, ASingleObjectIsVisitedOnceWithoutItsPageToo) {
+    int visits = 0;
+    const auto single = object("({ a: 1, b: 'x' })");
+    const auto visitor = [&](const id& element) {
+        ++visits;
+        context->invalidate();
+        EXPECT_TRUE(element.valueForKey("a").isNil());
+    };
+    visitScriptObject(*single, sequence(), visitor);
+    EXPECT_EQ(visits, 1);
+    visitScriptObject(*single, sequence(), visitor);
+    EXPECT_EQ(visits, 2);
+}
+
 TEST_F(ScriptElements, ReplacedBuiltInsDoNotMatter) {
     run("Array.prototype[Symbol.iterator] = null; Object.prototype.get = () => 1; Function.prototype.call = null; "
         "Object.defineProperty(Object.prototype, '0', { set() { throw 'written' }, configurable: true }); 0");
     EXPECT_EQ(visit("[{ a: 1, b: 'x', c: 2, d: 3 }]", all), "1 x 1 2 3 ");
+    EXPECT_EQ(visit("[{ a: 1, b: 'x', c: 2, d: 3 }, { a: 'p', b: 'y' }]", all, true),
+              "1 x 1 2 3  | p y p (null) (null) ");
+    const auto single = object("({ a: 4, b: 'y' })");
+    visitScriptObject(*single, sequence(), [&](const id& element) {
+        EXPECT_EQ(element.as<WebScriptObject>(), single);
+        EXPECT_EQ(element.valueForKey("a").doubleValue(), 4);
+        EXPECT_EQ(element.valueForKey("b"), id("y"));
+    });
     EXPECT_EQ(run("errors.length"), "0");
 }
 

@@ -12,6 +12,7 @@ public:
         : MKOverlayFigure(std::move(style), circle.boundingMapRect()), _center(circle.centerMapPoint()),
           _radius(circle.mapRadius()) {}
 
+    size_t vertexCount() const override { return 100; }
     void trace(const MKOutlinePlace& place, MKOutline& outline) const override {
         outline.isClosed = true;
         outline.traceCircle(_center, _radius, place);

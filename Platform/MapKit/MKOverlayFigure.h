@@ -22,6 +22,11 @@ public:
     /// The width of its line in pixels at a scale in pixels a map point.
     double lineWidth(double scale, double deviceScale) const;
 
+    /// How many vertices tracing it goes through, about.
+    virtual size_t vertexCount() const = 0;
+    /// From so many vertices on, drawing takes a while.
+    static constexpr size_t muchToDraw = 4096;
+    bool isMuch() const { return vertexCount() >= muchToDraw; }
     /// Writes the shape to an empty outline.
     virtual void trace(const MKOutlinePlace& place, MKOutline& outline) const = 0;
 

@@ -42,20 +42,12 @@ void MKOverlayLayer::setFigures(MKOverlayFigures figures) {
     if (figures != *_figures) {
         _figures = std::make_shared<const MKOverlayFigures>(std::move(figures));
         _hasFailed = false;
-        abandonIfStale();
+        // Every other drawing goes on all the same: a figure that changes all the time is drawn now and then, however
+        // long it takes.
+        if (_ticket && !_wasAbandoned) {
+            _ticket->keep(_figures);
+        }
         update();
-    }
-}
-
-// Every other drawing goes on all the same: a figure that changes all the time is drawn now and then, however long it
-// takes.
-void MKOverlayLayer::abandonIfStale() {
-    if (!_ticket || _wasAbandoned) {
-        return;
-    }
-    const MKOverlayFigure* const drawn = _ticket->figure();
-    if (std::none_of(_figures->begin(), _figures->end(), [=](const auto& figure) { return figure.get() == drawn; })) {
-        _ticket->abandon();
     }
 }
 

@@ -44,8 +44,6 @@ private:
     void draw(const MKOverlayScene& scene);
     void take(std::shared_ptr<const MKOverlayImage> image, double seconds);
     void reportChanges(const MKOverlayImage* image);
-    /// Gives up the drawing under way when it is at a figure that is gone.
-    void abandonIfStale();
     /// Where a part of an image lies in the view now, in pixels, rounded outwards.
     PixelRect placeOf(const PixelRect& part, const MKOverlayImage& image) const;
     /// The shift in pixels between an image, scaled to the view, and the view.

@@ -1,5 +1,6 @@
 #include "Platform/MapKit/MKOverlayPainter.h"
 
+#include "Platform/MapKit/MKOverlayWorker.h"
 #include "Platform/MapKit/MKPathPainter.h"
 
 #include <algorithm>
@@ -12,6 +13,8 @@ namespace {
 
 // A shape may run around the world many times; it is drawn on so many copies at most.
 constexpr int mostCopies = 64;
+// A picture with much in it is drawn in so many bands, of so many rows at least.
+constexpr int bands = MKDrawingTicket::parts, leastRows = 32;
 
 bool meet(const MKPixelBox& a, const MKPixelBox& b) {
     return a.minX < b.maxX && b.minX < a.maxX && a.minY < b.maxY && b.minY < a.maxY;
@@ -81,7 +84,38 @@ void MKOverlayPainter::addAreas(const MKOverlayFigure& figure, const PixelRect& 
     }
 }
 
-void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) {
+bool MKOverlayPainter::isMuch(size_t first) const {
+    size_t vertices = 0;
+    for (size_t i = first; i < _scene.figures->size() && vertices < MKOverlayFigure::muchToDraw; ++i) {
+        vertices += (*_scene.figures)[i]->vertexCount();
+    }
+    return vertices >= MKOverlayFigure::muchToDraw;
+}
+
+// Each band is a surface of its own over the rows that are its own.
+void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) const {
+    if (area.height < bands * leastRows || !isMuch(first)) {
+        drawBand(0, surface, left, top, area, first);
+        return;
+    }
+    cairo_surface_flush(surface);
+    unsigned char* const pixels = cairo_image_surface_get_data(surface);
+    const int stride = cairo_image_surface_get_stride(surface);
+    dispatch_apply(bands, MKOverlayWorker::bandQueue(), [&](size_t number) {
+        const auto edge = [&](size_t band) { return area.y + static_cast<int>(band) * area.height / bands; };
+        const PixelRect band{area.x, edge(number), area.width, edge(number + 1) - edge(number)};
+        const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> rows(
+            cairo_image_surface_create_for_data(pixels + static_cast<ptrdiff_t>(band.y - top) * stride,
+                                                CAIRO_FORMAT_ARGB32, cairo_image_surface_get_width(surface),
+                                                band.height, stride),
+            cairo_surface_destroy);
+        drawBand(number, rows.get(), left, band.y, band, first);
+    });
+    cairo_surface_mark_dirty(surface);
+}
+
+void MKOverlayPainter::drawBand(size_t band, cairo_surface_t* surface, int left, int top, const PixelRect& area,
+                                size_t first) const {
     const MKPixelBox box = veyra::boxOf(area);
     const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context(cairo_create(surface), cairo_destroy);
     cairo_t* const cairo = context.get();
@@ -89,9 +123,10 @@ void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const P
     cairo_rectangle(cairo, area.x, area.y, area.width, area.height);
     cairo_clip(cairo);
     MKPathPainter painter(cairo, area, left, top, _ticket);
+    MKOutline outline;
     for (size_t i = first; i < _scene.figures->size(); ++i) {
         const MKOverlayFigure& figure = *(*_scene.figures)[i];
-        _ticket.begin(&figure);
+        _ticket.begin(band, figure);
         const MKPathStyle& style = figure.style();
         const double width = figure.lineWidth(_scene.view.scale, _scene.deviceScale);
         const Copies copies = copiesOf(figure, box);
@@ -99,19 +134,20 @@ void MKOverlayPainter::draw(cairo_surface_t* surface, int left, int top, const P
             if (!meet(boxOf(figure, copy), box)) {
                 continue;
             }
-            _outline.clear();
+            outline.clear();
             figure.trace({.scale = _scene.view.scale,
                           .left = _scene.view.worldLeft(copy),
                           .top = -_scene.view.top,
                           .area = box.outset(MKPathPainter::reachOf(style, width) + 2),
                           .wantsLengths = !style.dashes.empty()},
-                         _outline);
+                         outline);
             if (style.fill) {
-                painter.fill(_outline, *style.fill);
+                painter.fill(outline, *style.fill);
             }
-            painter.stroke(_outline, style, width, _scene.deviceScale);
+            painter.stroke(outline, style, width, _scene.deviceScale);
         }
     }
+    _ticket.end(band);
     if (cairo_status(cairo) != CAIRO_STATUS_SUCCESS) {
         throw std::bad_alloc();
     }

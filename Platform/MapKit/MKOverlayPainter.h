@@ -1,4 +1,5 @@
-// Draws figures into a picture, on every copy of the world that it shows. Used on one thread.
+// Draws figures into a picture, on every copy of the world that it shows. Used on one thread; much to draw is drawn in
+// bands, several at a time.
 #pragma once
 
 #include "Platform/MapKit/MKDrawingTicket.h"
@@ -17,19 +18,20 @@ public:
     void addAreas(const MKOverlayFigure& figure, const PixelRect& area, DamageList& areas) const;
     /// Draws the figures from number `first` on, in order, inside `area` (pixels of the picture), to an ARGB32 image
     /// surface whose corner is the picture's pixel (left, top). Throws std::bad_alloc, MKDrawingTicket::Abandoned.
-    void draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first);
+    void draw(cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) const;
 
 private:
     /// The copies of the world on which a figure can be seen within an area.
     struct Copies {
         int first, last;
     };
+    bool isMuch(size_t first) const;
+    void drawBand(size_t band, cairo_surface_t* surface, int left, int top, const PixelRect& area, size_t first) const;
     Copies copiesOf(const MKOverlayFigure& figure, const MKPixelBox& area) const;
     MKPixelBox boxOf(const MKOverlayFigure& figure, int copy) const;
 
     const MKOverlayScene& _scene;
     MKDrawingTicket& _ticket;
-    MKOutline _outline;
 };
 
 } // namespace veyra

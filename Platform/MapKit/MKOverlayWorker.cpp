@@ -10,6 +10,11 @@ MKOverlayWorker& MKOverlayWorker::shared() {
     return *worker;
 }
 
+WorkQueue& MKOverlayWorker::bandQueue() {
+    static auto* const queue = new WorkQueue;
+    return *queue;
+}
+
 MKOverlayWorker::MKOverlayWorker() {
     std::thread([this] {
         pthread_setname_np(pthread_self(), "veyra-overlays");

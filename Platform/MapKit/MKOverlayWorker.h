@@ -1,8 +1,8 @@
-// The thread that draws overlays. One a process, started with the first job and never ended. Any thread may hand it
-// work; none waits for it.
+// The thread that draws overlays, and those that help it with much to draw. One a process, started with the first job
+// and never ended. Any thread may hand it work; none waits for it.
 #pragma once
 
-#include "Platform/Foundation/NSLock.h"
+#include "Platform/Foundation/WorkQueue.h"
 
 #include <condition_variable>
 #include <deque>
@@ -13,6 +13,8 @@ namespace veyra {
 class MKOverlayWorker {
 public:
     static MKOverlayWorker& shared();
+    /// For the parts of one job: not the process's own queue, whose images should not wait for long lines.
+    static WorkQueue& bandQueue();
     MKOverlayWorker(const MKOverlayWorker&) = delete;
     MKOverlayWorker& operator=(const MKOverlayWorker&) = delete;
 

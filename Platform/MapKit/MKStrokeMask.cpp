@@ -1,6 +1,7 @@
 #include "Platform/MapKit/MKStrokeMask.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace veyra {
@@ -34,7 +35,8 @@ struct MKStrokeMask::Stretch {
 };
 
 MKStrokeMask::MKStrokeMask(const PixelRect& area)
-    : _area(area), _coverage(static_cast<size_t>(area.width) * static_cast<size_t>(area.height)),
+    : _area(area), _stride(static_cast<size_t>(area.width) + lanes),
+      _coverage(_stride * static_cast<size_t>(area.height)),
       _rows(static_cast<size_t>(area.height), Extent{.first = area.width, .end = 0}), _firstRow(area.height),
       _endRow(0) {}
 
@@ -70,6 +72,25 @@ void MKStrokeMask::lineTo(MKPixelPoint point) {
     }
 }
 
+/// What pixels side by side get from a stretch, the first of them at (px, py) from its beginning: 0 to 255.
+std::array<int, MKStrokeMask::lanes> MKStrokeMask::coverageAt(const Stretch& stretch, float px, float py) const {
+    const float dx = stretch.dx, dy = stretch.dy, perLength = stretch.perLength, reach = _reach, greatest = _greatest;
+    std::array<float, lanes> squares;
+    for (int lane = 0; lane < lanes; ++lane) {
+        const float x = px + static_cast<float>(lane);
+        const float along = std::min(std::max((x * dx + py * dy) * perLength, 0.0F), 1.0F);
+        const float awayX = x - dx * along, awayY = py - dy * along;
+        squares[static_cast<size_t>(lane)] = awayX * awayX + awayY * awayY;
+    }
+    std::array<int, lanes> values;
+    for (size_t lane = 0; lane < lanes; ++lane) {
+        const float share = std::max(std::min(reach - std::sqrt(squares[lane]), greatest), 0.0F);
+        values[lane] = static_cast<int>(share * 255 + 0.5F);
+    }
+    return values;
+}
+
+// Some columns at a time, without a branch: those before and after the stretch's are too far away to get anything.
 void MKStrokeMask::addRow(const Stretch& stretch, int row, float from, float to) {
     const int first = std::max(0, static_cast<int>(std::floor(from)));
     const int end = std::min(_area.width, static_cast<int>(std::ceil(to)));
@@ -77,26 +98,19 @@ void MKStrokeMask::addRow(const Stretch& stretch, int row, float from, float to)
     if (first >= end || extent.whole == _area.width) {
         return;
     }
-    uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_area.width)];
+    uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * _stride];
     const float py = static_cast<float>(row) + 0.5F - stretch.y;
-    const float inner = std::max(0.0F, _reach - _greatest), innerSquared = inner * inner;
-    const float outerSquared = _reach * _reach;
     const auto whole = static_cast<uint8_t>(_greatest * 255 + 0.5F);
-    for (int column = first; column < end; ++column) {
-        if (coverage[column] >= whole) {
-            continue;
+    for (int column = first; column < end; column += lanes) {
+        const auto values = coverageAt(stretch, static_cast<float>(column) + 0.5F - stretch.x, py);
+        uint8_t* const covered = coverage + column;
+        int became = 0;
+        for (size_t lane = 0; lane < lanes; ++lane) {
+            const auto value = static_cast<uint8_t>(values[lane]);
+            became += static_cast<int>(covered[lane] != whole) & static_cast<int>(value == whole);
+            covered[lane] = std::max(covered[lane], value);
         }
-        const float px = static_cast<float>(column) + 0.5F - stretch.x;
-        const float along = std::clamp((px * stretch.dx + py * stretch.dy) * stretch.perLength, 0.0F, 1.0F);
-        const float awayX = px - stretch.dx * along, awayY = py - stretch.dy * along;
-        const float squared = awayX * awayX + awayY * awayY;
-        if (squared >= outerSquared) {
-            continue;
-        }
-        const uint8_t value =
-            squared <= innerSquared ? whole : static_cast<uint8_t>((_reach - std::sqrt(squared)) * 255 + 0.5F);
-        coverage[column] = std::max(coverage[column], value);
-        extent.whole += value == whole;
+        extent.whole += became;
     }
     _wholeRows += extent.whole == _area.width;
     extent.first = std::min(extent.first, first);
@@ -113,7 +127,7 @@ void MKStrokeMask::paint(cairo_surface_t* surface, int left, int top, const MKPa
     const bool isOpaque = source >> 24 == 255;
     for (int row = _firstRow; row < _endRow; ++row) {
         Extent& extent = _rows[static_cast<size_t>(row)];
-        uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * static_cast<size_t>(_area.width)];
+        uint8_t* const coverage = &_coverage[static_cast<size_t>(row) * _stride];
         auto* const target = reinterpret_cast<uint32_t*>(pixels + (row + _area.y - top) * stride) + (_area.x - left);
         for (int column = extent.first; column < extent.end; ++column) {
             const uint32_t covered = coverage[column];

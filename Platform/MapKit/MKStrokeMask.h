@@ -9,6 +9,8 @@
 
 #include <cairo.h>
 
+#include <array>
+
 namespace veyra {
 
 class MKStrokeMask {
@@ -26,12 +28,17 @@ public:
     void paint(cairo_surface_t* surface, int left, int top, const MKPathStyle::Color& color, double share);
 
 private:
+    /// Pixels that are covered at a time; a row has room for as many more.
+    static constexpr int lanes = 8;
+
     struct Stretch;
+    std::array<int, lanes> coverageAt(const Stretch& stretch, float px, float py) const;
     void addRow(const Stretch& stretch, int row, float from, float to);
 
     const PixelRect _area;
-    float _reach = 1;    // distance from the line beyond which a pixel is untouched
-    float _greatest = 1; // coverage; less for lines thinner than a pixel
+    const size_t _stride; // of a row of coverage
+    float _reach = 1;     // distance from the line beyond which a pixel is untouched
+    float _greatest = 1;  // coverage; less for lines thinner than a pixel
     MKPixelPoint _at;
     std::vector<uint8_t> _coverage; // row by row
     struct Extent {

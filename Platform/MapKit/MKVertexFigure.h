@@ -11,6 +11,7 @@ public:
     /// A line is not filled.
     MKVertexFigure(MKPathStyle style, Kind kind, std::shared_ptr<const MKVertexList> vertices);
 
+    size_t vertexCount() const override { return _vertices->size(); }
     void trace(const MKOutlinePlace& place, MKOutline& outline) const override;
 
 private:

@@ -1,7 +1,11 @@
 #include "Platform/MapKit/MKVertexList.h"
 
+#include "Platform/Foundation/WorkQueue.h"
+#include "Platform/MapKit/MKVertexRanker.h"
+
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace veyra {
 
@@ -23,18 +27,20 @@ float roundedUp(double value) {
 
 } // namespace
 
-void MKVertexList::Extent::add(MKMapPoint point) {
+void MKVertexList::Run::add(MKMapPoint point) {
     minX = std::min(minX, point.x);
     minY = std::min(minY, point.y);
     maxX = std::max(maxX, point.x);
     maxY = std::max(maxY, point.y);
 }
 
-void MKVertexList::Extent::add(const Extent& other) {
-    minX = std::min(minX, other.minX);
-    minY = std::min(minY, other.minY);
-    maxX = std::max(maxX, other.maxX);
-    maxY = std::max(maxY, other.maxY);
+void MKVertexList::Run::add(const Run& next) {
+    minX = std::min(minX, next.minX);
+    minY = std::min(minY, next.minY);
+    maxX = std::max(maxX, next.maxX);
+    maxY = std::max(maxY, next.maxY);
+    first = first ? first : next.first;
+    last = next.last ? next.last : last;
 }
 
 MKVertexList::MKVertexList(std::span<const CLLocationCoordinate2D> coordinates) {
@@ -43,61 +49,75 @@ MKVertexList::MKVertexList(std::span<const CLLocationCoordinate2D> coordinates) 
 }
 
 void MKVertexList::append(std::span<const CLLocationCoordinate2D> coordinates) {
-    while (!coordinates.empty()) {
-        const size_t count = std::min(coordinates.size(), blockSize - size() % blockSize);
-        if (size() + count > maximumSize) {
-            throw std::bad_alloc();
-        }
-        appendToBlock(coordinates.first(count));
-        coordinates = coordinates.subspan(count);
-        if (size() % blockSize == 0) {
-            completeBlock();
-        }
+    if (coordinates.size() > maximumSize - size()) {
+        throw std::bad_alloc();
     }
-}
-
-// One step for all of them after the other: half the time of all steps for one after the other.
-void MKVertexList::appendToBlock(std::span<const CLLocationCoordinate2D> coordinates) {
-    const std::span<uint8_t> importances = _importances.extend(coordinates.size());
-    const std::span<MKMapPoint> points = _points.extend(coordinates.size());
-    std::transform(coordinates.begin(), coordinates.end(), points.begin(), MKMapPointForCoordinate);
-    for (size_t i = 0; i < points.size(); ++i) {
-        const MKMapPoint point = points[i];
-        if (!std::isfinite(point.x) || !std::isfinite(point.y)) {
-            importances[i] = nowhere;
-            continue;
-        }
-        const int levels = _ranker.rank(point);
-        importances[i] = _last ? static_cast<uint8_t>(lowest + levels) : always;
-        _last = size() - points.size() + i;
-        _blockExtent.add(point);
-    }
-}
-
-void MKVertexList::completeBlock() {
-    _blocks.append({roundedDown(_blockExtent.minX), roundedDown(_blockExtent.minY), roundedUp(_blockExtent.maxX),
-                    roundedUp(_blockExtent.maxY)});
-    _extent.add(_blockExtent);
-    _blockExtent = {};
+    std::ranges::transform(coordinates, _points.extend(coordinates.size()).begin(), [](CLLocationCoordinate2D place) {
+        return MKMapPoint{place.longitude, place.latitude};
+    });
 }
 
 void MKVertexList::complete() {
-    if (size() % blockSize != 0) {
-        completeBlock();
-    }
-    if (_last) {
-        _importances[*_last] = always;
-    }
     _points.complete();
+    _importances.extend(size());
+    _blocks.extend((size() + blockSize - 1) / blockSize);
     _importances.complete();
     _blocks.complete();
+    std::vector<Run> runs((size() + runSize - 1) / runSize);
+    const auto completeOne = [&](size_t run) {
+        runs[run] = completeRun(run * runSize, std::min((run + 1) * runSize, size()));
+    };
+    if (runs.size() == 1) {
+        completeOne(0);
+    } else {
+        dispatch_apply(runs.size(), dispatch_get_global_queue(), completeOne);
+    }
+    for (const Run& run : runs) {
+        _whole.add(run);
+    }
+    for (const std::optional<size_t> end : {_whole.first, _whole.last}) {
+        if (end) {
+            _importances[*end] = always;
+        }
+    }
+}
+
+MKVertexList::Run MKVertexList::completeRun(size_t begin, size_t end) {
+    MKVertexRanker ranker;
+    Run run;
+    for (; begin < end; begin += blockSize) {
+        run.add(completeBlock(begin, std::min(begin + blockSize, end), ranker));
+    }
+    return run;
+}
+
+// One step for all of them after the other: half the time of all steps for one after the other.
+MKVertexList::Run MKVertexList::completeBlock(size_t begin, size_t end, MKVertexRanker& ranker) {
+    for (size_t i = begin; i < end; ++i) {
+        _points[i] = MKMapPointForCoordinate(CLLocationCoordinate2DMake(_points[i].y, _points[i].x));
+    }
+    Run block;
+    for (size_t i = begin; i < end; ++i) {
+        const MKMapPoint point = _points[i];
+        if (!std::isfinite(point.x) || !std::isfinite(point.y)) {
+            _importances[i] = nowhere;
+            continue;
+        }
+        _importances[i] = static_cast<uint8_t>(lowest + ranker.rank(point));
+        block.first = block.first ? block.first : i;
+        block.last = i;
+        block.add(point);
+    }
+    _blocks[begin / blockSize] = {roundedDown(block.minX), roundedDown(block.minY), roundedUp(block.maxX),
+                                  roundedUp(block.maxY)};
+    return block;
 }
 
 MKMapRect MKVertexList::bounds() const {
-    if (!_last) {
+    if (!_whole.last) {
         return MKMapRectNull;
     }
-    return MKMapRectMake(_extent.minX, _extent.minY, _extent.maxX - _extent.minX, _extent.maxY - _extent.minY);
+    return MKMapRectMake(_whole.minX, _whole.minY, _whole.maxX - _whole.minX, _whole.maxY - _whole.minY);
 }
 
 uint8_t MKVertexList::leastImportance(double tolerance) {

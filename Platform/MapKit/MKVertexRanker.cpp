@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace veyra {
 
@@ -31,48 +32,46 @@ int exponentOf(double value) {
 int MKVertexRanker::rank(MKMapPoint point) {
     point = {std::clamp(point.x, -farthest, farthest), std::clamp(point.y, -farthest, farthest)};
     if (_count == 0) {
+        _entries[_count++] = {0, 0, std::numeric_limits<double>::infinity(), levels};
         _before = point;
-        restart(point, levels - 1);
+        push(point, levels - 1);
         return levels;
     }
     _length += distance(_before.x, _before.y, point);
     _before = point;
-    for (int entry = 0; entry < _count; ++entry) {
-        if (_length >= _entries[static_cast<size_t>(entry)].due) {
-            const int level = crossedLevel(point, entry);
-            if (level >= 0) {
-                restart(point, level);
-                return level + 1;
-            }
+    if (_length > longest) {
+        beginLengthAnew();
+    }
+    size_t entry = _count;
+    while (_entries[entry - 1].due <= _length) {
+        --entry;
+    }
+    for (; entry < _count; ++entry) {
+        Entry& last = _entries[entry];
+        const int lowest = entry + 1 < _count ? _entries[entry + 1].highest + 1 : 0;
+        const double away = distance(last.x, last.y, point), needed = finest * powerOfTwo(lowest);
+        if (away >= needed) {
+            const int level = std::min(last.highest, exponentOf(away / finest));
+            _count = last.highest > level ? entry + 1 : entry;
+            push(point, level);
+            return level + 1;
         }
+        last.due = std::min(_length + (needed - away), _entries[entry - 1].due);
     }
     return 0;
 }
 
-/// The highest level of the entry at which the vertex matters, or -1.
-int MKVertexRanker::crossedLevel(MKMapPoint point, int entry) {
-    Entry& last = _entries[static_cast<size_t>(entry)];
-    const int lowest = lowestOf(entry);
-    const double away = distance(last.x, last.y, point), needed = finest * powerOfTwo(lowest);
-    if (away >= needed) {
-        return std::min(last.highest, exponentOf(away / finest));
-    }
-    last.due = _length + (needed - away);
-    return -1;
+/// The vertex mattered last at all levels below those of the entries, up to `highest`.
+void MKVertexRanker::push(MKMapPoint point, int highest) {
+    _entries[_count] = {point.x, point.y, std::min(_length + finest, _entries[_count - 1].due), highest};
+    ++_count;
 }
 
-/// The vertex matters at that level and all lower ones.
-void MKVertexRanker::restart(MKMapPoint point, int upTo) {
-    if (_length > longest) {
-        for (Entry& entry : _entries) {
-            entry.due -= _length;
-        }
-        _length = 0;
+void MKVertexRanker::beginLengthAnew() {
+    for (Entry& entry : _entries) {
+        entry.due -= _length;
     }
-    while (_count > 0 && _entries[static_cast<size_t>(_count) - 1].highest <= upTo) {
-        --_count;
-    }
-    _entries[static_cast<size_t>(_count++)] = {point.x, point.y, _length + finest, upTo};
+    _length = 0;
 }
 
 } // namespace veyra

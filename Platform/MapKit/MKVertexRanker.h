@@ -3,14 +3,14 @@
 // There is a level for every power of two map points. A vertex matters at a level when it is at least as far, on one of
 // the axes, from the last vertex that mattered there; it then matters at all lower levels too. So a line drawn through
 // the vertices that matter at a level is off by less than the level's distance, and noise smaller than that costs
-// nothing. Levels at which the same vertex mattered last are one entry of a stack, and an entry is looked at only when
-// the line has become long enough since.
+// nothing. Levels at which the same vertex mattered last are one entry of a stack, the lowest ones on top; how far down
+// to look is known from how long the line has become.
 #pragma once
 
 #include "Platform/MapKit/MKGeometry.h"
 
 #include <array>
-#include <cstdint>
+#include <cstddef>
 
 namespace veyra {
 
@@ -28,17 +28,14 @@ private:
     /// The levels above those of the next entry, up to `highest`, at which this vertex was the last that mattered.
     struct Entry {
         double x, y;
-        double due; ///< how long the line must be before another one can matter
+        double due; ///< how long the line must be before another one can matter at this entry's levels or higher ones
         int highest;
     };
-    int lowestOf(int entry) const {
-        return entry + 1 < _count ? _entries[static_cast<size_t>(entry) + 1].highest + 1 : 0;
-    }
-    int crossedLevel(MKMapPoint point, int entry);
-    void restart(MKMapPoint point, int upTo);
+    void push(MKMapPoint point, int highest);
+    void beginLengthAnew();
 
-    std::array<Entry, levels> _entries{}; // the highest levels first
-    int _count = 0;
+    std::array<Entry, levels + 1> _entries{}; // the highest levels first, after an entry that is never due
+    size_t _count = 0;
     double _length = 0; // of the line so far, not shorter than its way along either axis
     MKMapPoint _before;
 };

@@ -1,9 +1,11 @@
 // How overlays are drawn, by colours at places: steps, copies of the world, movement, and values of every kind.
+#include "Platform/MapKit/MKOverlayWorker.h"
 #include "Tests/Platform/MapKit/OverlayFixture.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <future>
 #include <glib.h>
 #include <limits>
 #include <random>
@@ -59,6 +61,16 @@ protected:
             latitude = std::clamp(latitude + move(random), -40.0, 40.0);
             longitude = std::clamp(longitude + move(random), -60.0, 60.0);
             coordinates.push_back({latitude, longitude});
+        }
+        return coordinates;
+    }
+    /// A line through places at random: every stretch of it crosses the view.
+    std::vector<CLLocationCoordinate2D> thicket(size_t count) {
+        std::mt19937 random(3);
+        std::uniform_real_distribution<double> place(-10, 10);
+        std::vector<CLLocationCoordinate2D> coordinates(count);
+        for (auto& coordinate : coordinates) {
+            coordinate = {place(random), place(random)};
         }
         return coordinates;
     }
@@ -306,13 +318,7 @@ TEST_F(OverlayDrawing, ChangesAmongOverlaysLookAsIfAllWereDrawnAnew) {
 
 TEST_F(OverlayDrawing, AnOverlayThatIsLongToDrawHoldsNothingUpWhenItIsTakenAway) {
     showRegion({{0, 0}, {20, 20}});
-    std::mt19937 random(3);
-    std::uniform_real_distribution<double> place(-10, 10);
-    std::vector<CLLocationCoordinate2D> thicket(3000000);
-    for (auto& coordinate : thicket) {
-        coordinate = {place(random), place(random)};
-    }
-    const auto slow = line(thicket).overlay;
+    const auto slow = line(thicket(3000000)).overlay;
     map->addOverlay(slow);
     frames(3);
     EXPECT_FALSE(window->isIdle()); // it takes several seconds
@@ -322,6 +328,23 @@ TEST_F(OverlayDrawing, AnOverlayThatIsLongToDrawHoldsNothingUpWhenItIsTakenAway)
     settle();
     EXPECT_EQ(pixelAt({0, 0}), blue);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+TEST_F(OverlayDrawing, AnOverlayThatIsTakenAwayBeforeItsDrawingBeganIsNotDrawn) {
+    showRegion({{0, 0}, {20, 20}});
+    std::promise<void> isTakenAway;
+    MKOverlayWorker::shared().run([done = isTakenAway.get_future().share()] { done.wait(); });
+    const auto start = std::clock(); // the time of all threads
+    const auto slow = line(thicket(3000000)).overlay;
+    map->addOverlay(slow);
+    frame(); // asks for the drawing
+    const auto begin = std::clock();
+    map->removeOverlay(slow);
+    isTakenAway.set_value();
+    settle();
+    EXPECT_TRUE(window->isIdle());
+    // Drawing it takes several times as long as making it did.
+    EXPECT_LT(std::clock() - begin, begin - start);
 }
 
 TEST_F(OverlayDrawing, AnOverlayThatIsReplacedAllTheTimeIsDrawnNowAndThen) {

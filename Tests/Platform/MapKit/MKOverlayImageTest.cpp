@@ -227,6 +227,34 @@ TEST_F(MKOverlayImageTest, OfManyShapesOnlyWhereOneHasChangedIsDrawn) {
     EXPECT_LT(changed, 2000); // of 60,000
 }
 
+// Much to draw is drawn in bands at the same time; a strip that is lower than these is drawn in one go.
+TEST_F(MKOverlayImageTest, WhatIsDrawnInBandsLooksLikeItDrawnStripByStrip) {
+    Maker maker(19);
+    for (int turn = 0; turn < 4; ++turn) {
+        MKOverlayFigures figures;
+        for (size_t i = 0; i < 10; ++i) {
+            figures.push_back(maker.sensible());
+        }
+        std::vector<CLLocationCoordinate2D> track;
+        for (int i = 0; i < 20000; ++i) {
+            track.push_back({20 * std::sin(i / 3000.0) + maker.between(-0.5, 0.5), -60 + i * 0.006});
+        }
+        const auto line = MKPolylineView::initWithPolyline(MKPolyline::polylineWithCoordinates(track));
+        line->setStrokeColor(UIColor::colorWithWhiteAlpha(0, 0.5));
+        line->setLineWidth(turn);
+        line->setLineJoin(turn % 2 == 0 ? kCGLineJoinRound : kCGLineJoinMiter);
+        figures.push_back(line->figure());
+        const MKOverlayScene whole = scene(figures, {0, 0}, wholeWorld * 4);
+        const auto image = drawn(whole);
+        for (int top = 0; top < whole.view.height; top += 50) {
+            MKOverlayScene strip = whole;
+            strip.view.top += top;
+            strip.view.height = 50;
+            ASSERT_LE(differences(*image, *drawn(strip), 0, top), 3) << turn << ", " << top;
+        }
+    }
+}
+
 TEST_F(MKOverlayImageTest, RandomShapesAndLooksAreDrawnOrNotAndThatIsAll) {
     for (unsigned seed = 0; seed < 40; ++seed) {
         Maker maker(seed);

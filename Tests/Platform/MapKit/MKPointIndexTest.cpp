@@ -101,4 +101,65 @@ TEST(MKAnnotationStore, GivesNumbersOutAgain) {
     EXPECT_EQ(store.size(), 1U);
 }
 
+TEST(MKAnnotationStore, KnowsAnAnnotationThatOtherStoresHaveToo) {
+    MKAnnotationStore first, second;
+    const auto a = std::make_shared<Marker>(CLLocationCoordinate2DMake(0, 0));
+    const auto b = std::make_shared<Marker>(CLLocationCoordinate2DMake(1, 1));
+    ASSERT_EQ(first.add(a), 0U);
+    ASSERT_EQ(first.add(b), 1U);
+    // Under other numbers, and one of them under the same.
+    ASSERT_EQ(second.add(std::make_shared<Marker>(CLLocationCoordinate2DMake(2, 2))), 0U);
+    ASSERT_EQ(second.add(b), 1U);
+    ASSERT_EQ(second.add(a), 2U);
+    for (const auto& known : {a, b}) {
+        EXPECT_EQ(first.add(known), MKAnnotationStore::none);
+        EXPECT_EQ(second.add(known), MKAnnotationStore::none);
+    }
+    first.remove(first.find(a.get()));
+    second.remove(second.find(b.get()));
+    EXPECT_EQ(first.find(a.get()), MKAnnotationStore::none);
+    EXPECT_EQ(first.find(b.get()), 1U);
+    EXPECT_EQ(second.find(a.get()), 2U);
+    EXPECT_EQ(second.find(b.get()), MKAnnotationStore::none);
+    EXPECT_EQ(second.add(b), 1U);
+    EXPECT_EQ(first.add(a), 0U);
+    second.remove(second.find(a.get()));
+    EXPECT_EQ(second.find(a.get()), MKAnnotationStore::none);
+    EXPECT_EQ(first.find(a.get()), 0U);
+    EXPECT_EQ(first.size(), 2U);
+    EXPECT_EQ(second.size(), 2U);
+}
+
+TEST(MKAnnotationStore, TakesAnAnnotationOfAStoreThatHasGone) {
+    const auto a = std::make_shared<Marker>(CLLocationCoordinate2DMake(0, 0));
+    MKAnnotationStore().add(a);
+    MKAnnotationStore store;
+    const uint32_t other = store.add(std::make_shared<Marker>(CLLocationCoordinate2DMake(1, 1)));
+    const uint32_t number = store.add(a);
+    EXPECT_NE(number, other);
+    EXPECT_EQ(store.find(a.get()), number);
+    store.remove(number);
+    EXPECT_EQ(store.find(a.get()), MKAnnotationStore::none);
+}
+
+TEST(MKAnnotationStore, KeepsLiftsApart) {
+    MKAnnotationStore store;
+    for (int i = 0; i < 1000; ++i) {
+        store.add(std::make_shared<Marker>(CLLocationCoordinate2DMake(0, i / 10.0)));
+    }
+    store.setLift(3, 1.5F);
+    store.setLift(999, 20);
+    store.setLift(3, 2.5F);
+    for (uint32_t number = 0; number < 1000; ++number) {
+        EXPECT_EQ(store.liftOf(number), number == 3 ? 2.5F : number == 999 ? 20 : 0) << number;
+    }
+    store.setLift(999, 0);
+    EXPECT_EQ(store.liftOf(999), 0);
+    EXPECT_EQ(store.liftOf(3), 2.5F);
+    store.setLift(3, 0);
+    EXPECT_EQ(store.liftOf(3), 0);
+    store.setLift(500, 1);
+    EXPECT_EQ(store.liftOf(500), 1);
+}
+
 } // namespace veyra

@@ -58,6 +58,27 @@ TEST(MKVertexList, WhatIsLeftOutIsNearWhatIsDrawnAtEveryScale) {
     }
 }
 
+// Runs are ranked at the same time.
+TEST(MKVertexList, ALongListIsRankedAsAShortOneIs) {
+    const size_t count = 5 * MKVertexList::runSize + 77;
+    const MKVertexList list = randomWalk(count, 1e-3);
+    for (double tolerance = 1.0 / 64; tolerance < 1e8; tolerance *= 10) {
+        expectWithin(list, tolerance);
+    }
+    EXPECT_LE(drawnAt(list, 1e9), 7u); // the first of each run and the last of all
+    ASSERT_EQ(list.size(), count);
+    const MKMapRect bounds = list.bounds();
+    double west = INFINITY, south = -INFINITY;
+    for (const MKMapPoint& point : list.points()) {
+        west = std::min(west, point.x);
+        south = std::max(south, point.y);
+    }
+    EXPECT_EQ(MKMapRectGetMinX(bounds), west);
+    EXPECT_EQ(MKMapRectGetMaxY(bounds), south);
+    EXPECT_EQ(list.importances().front(), 255);
+    EXPECT_EQ(list.importances().back(), 255);
+}
+
 TEST(MKVertexList, NoiseBelowTheToleranceCostsNothing) {
     std::mt19937 random(3);
     std::normal_distribution<double> noise(0, 1e-5);

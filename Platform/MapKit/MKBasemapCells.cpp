@@ -38,6 +38,14 @@ std::vector<MKPlacedCell> MKBasemapCells::cellsIn(const BasemapFile& file, int l
     return cells;
 }
 
+void MKBasemapCells::removeAll() {
+    Order cells; // go when the lock is free again
+    const NSLockGuard guard(_lock);
+    cells.swap(_order);
+    _entries.clear();
+    _byteSize = 0;
+}
+
 std::shared_ptr<const BasemapCell> MKBasemapCells::find(uint64_t key) {
     const NSLockGuard guard(_lock);
     const auto found = _entries.find(key);

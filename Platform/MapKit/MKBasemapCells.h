@@ -27,6 +27,7 @@ public:
     /// The cells of a level that meet a square of map points, in every copy of the world that it reaches.
     std::vector<MKPlacedCell> cellsIn(const BasemapFile& file, int level, double minX, double minY, double side)
         VEYRA_EXCLUDES(_lock);
+    void removeAll() VEYRA_EXCLUDES(_lock);
 
 private:
     using Order = std::list<std::shared_ptr<const BasemapCell>>; // most recently used first

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace veyra {
 
@@ -46,21 +45,16 @@ std::shared_ptr<const MKTile> MKBasemapPainter::draw() {
     if (MKTileColor color = 0; isPlain(color)) {
         return std::make_shared<const MKTile>(_key, color);
     }
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, MKTileKey::side, MKTileKey::side);
-    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
-        cairo_surface_destroy(surface);
-        throw std::bad_alloc();
-    }
-    auto tile = std::make_shared<const MKTile>(_key, surface);
-    Canvas canvas{surface, nullptr, MKLineMask(MKTileKey::side)};
+    const MKTilePicture::Surface surface = MKTilePicture::makeSurface();
+    Canvas canvas{surface.get(), nullptr, MKLineMask(MKTileKey::side)};
     if (_style.showsPicture) {
         drawPicture(canvas);
     } else {
         drawAreas(canvas);
     }
     drawBorders(canvas);
-    cairo_surface_flush(surface);
-    return tile;
+    cairo_surface_flush(surface.get());
+    return std::make_shared<const MKTile>(_key, surface);
 }
 
 bool MKBasemapPainter::isPlain(MKTileColor& color) const {

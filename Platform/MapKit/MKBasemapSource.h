@@ -20,6 +20,7 @@ public:
     static std::shared_ptr<const MKTileSource> shared();
 
     std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const override;
+    void rest() const override { _cells.removeAll(); }
     MKTileColor backgroundColor(MKMapType mapType) const override;
     MKTileAttribution attribution(MKMapType mapType) const override;
     bool hasDarkPicture() const override { return true; }

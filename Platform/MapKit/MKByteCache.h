@@ -1,5 +1,5 @@
 // The most recently used values of a kind, bounded in bytes. One thread; values are shared and live on after they have
-// left the cache. A value tells its size by `byteSize()`.
+// left the cache. A value tells its size by `byteSize()`, and who changes that tells the cache.
 #pragma once
 
 #include <cstddef>
@@ -22,14 +22,22 @@ public:
             return nullptr;
         }
         _order.splice(_order.begin(), _order, found->second);
-        return found->second->second;
+        return found->second->value;
     }
     /// Adds or replaces a value; the least recently used ones beyond the limit go, the new one may be among them.
     void insert(const Key& key, const std::shared_ptr<const Value>& value) {
         remove(key);
-        _order.emplace_front(key, value);
+        _order.push_front({key, value, 0});
         _entries[key] = _order.begin();
-        _byteSize += value->byteSize();
+        sizeChanged(key);
+    }
+    /// Says that a value, which need not be there, takes more memory or less than before.
+    void sizeChanged(const Key& key) {
+        if (const auto found = _entries.find(key); found != _entries.end()) {
+            Entry& entry = *found->second;
+            _byteSize -= std::exchange(entry.byteSize, entry.value->byteSize());
+            _byteSize += entry.byteSize;
+        }
         while (_byteSize > _byteLimit) {
             removeEntry(std::prev(_order.end()));
         }
@@ -47,10 +55,15 @@ public:
     size_t byteSize() const { return _byteSize; }
 
 private:
-    using Order = std::list<std::pair<Key, std::shared_ptr<const Value>>>; // most recently used first
+    struct Entry {
+        Key key;
+        std::shared_ptr<const Value> value;
+        size_t byteSize; // as counted in the whole
+    };
+    using Order = std::list<Entry>; // most recently used first
     void removeEntry(typename Order::iterator entry) {
-        _byteSize -= entry->second->byteSize();
-        _entries.erase(entry->first);
+        _byteSize -= entry->byteSize;
+        _entries.erase(entry->key);
         _order.erase(entry);
     }
 

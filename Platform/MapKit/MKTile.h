@@ -1,14 +1,13 @@
 // Tiles: squares of 512 device pixels that a picture of the world is drawn in. The world at a scale is laid out in
 // tiles from its north-west corner; the last column and row reach past the square. Keys are plain values; a tile is
-// immutable and shared.
+// immutable, but for how its picture is kept, and shared.
 #pragma once
 
 #include "Platform/MapKit/ImageTiles/MKTileImage.h"
 #include "Platform/MapKit/MKMapType.h"
 #include "Platform/MapKit/MKTileAttribution.h"
+#include "Platform/MapKit/MKTilePicture.h"
 #include "Platform/UIKit/UIUserInterfaceStyle.h"
-
-#include <cairo.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -56,25 +55,25 @@ struct MKTileQuality {
 /// A drawn tile: one colour, or a picture of MKTileKey::side pixels square.
 class MKTile {
 public:
-    /// Takes over the surface (RGB24).
-    MKTile(const MKTileKey& key, cairo_surface_t* surface, const MKTileQuality& quality = {})
-        : _key(key), _surface(surface), _quality(quality) {}
+    /// The surface is one of MKTilePicture::makeSurface; nothing draws upon it any more.
+    MKTile(const MKTileKey& key, MKTilePicture::Surface surface, const MKTileQuality& quality = {})
+        : _key(key), _picture(std::make_unique<MKTilePicture>(std::move(surface))), _quality(quality) {}
     MKTile(const MKTileKey& key, MKTileColor color, const MKTileQuality& quality = {})
-        : _key(key), _surface(nullptr), _color(color), _quality(quality) {}
+        : _key(key), _color(color), _quality(quality) {}
     MKTile(const MKTile&) = delete;
     MKTile& operator=(const MKTile&) = delete;
-    ~MKTile() { cairo_surface_destroy(_surface); }
 
     const MKTileKey& key() const { return _key; }
     /// Null for a tile of one colour.
-    cairo_surface_t* surface() const { return _surface; }
+    MKTilePicture* picture() const { return _picture.get(); }
     MKTileColor color() const { return _color; }
     const MKTileQuality& quality() const { return _quality; }
-    size_t byteSize() const { return sizeof(MKTile) + (_surface ? size_t{4} * MKTileKey::side * MKTileKey::side : 0); }
+    /// Less while the picture is packed.
+    size_t byteSize() const { return sizeof(MKTile) + (_picture ? sizeof(MKTilePicture) + _picture->byteSize() : 0); }
 
 private:
     const MKTileKey _key;
-    cairo_surface_t* const _surface;
+    const std::unique_ptr<MKTilePicture> _picture;
     const MKTileColor _color = 0;
     const MKTileQuality _quality;
 };
@@ -100,6 +99,8 @@ public:
     virtual std::shared_ptr<const MKTile> drawTileFromImages(const MKTileKey& key, const MKTileImages&) const {
         return drawTile(key);
     }
+    /// No tile has been drawn for a while: lets go of what can be had again in little more time than finding it takes.
+    virtual void rest() const {}
     /// Whose data the tiles of a map type show. May change once the first of them are there.
     virtual MKTileAttribution attribution(MKMapType) const { return {}; }
 

@@ -90,12 +90,12 @@ private:
                 continue;
             }
             for (const MKPlacedTile& placed : placesOfTile(key, _layer._view, _clip)) {
-                drawTile(*tile, placed);
+                drawTile(tile, placed);
             }
         }
     }
 
-    void drawTile(const MKTile& tile, const MKPlacedTile& placed) {
+    void drawTile(const std::shared_ptr<const MKTile>& tile, const MKPlacedTile& placed) {
         const cairo_rectangle_int_t rect{placed.rect.x, placed.rect.y, placed.rect.width, placed.rect.height};
         cairo_region_t* area = cairo_region_copy(_uncovered);
         cairo_region_intersect_rectangle(area, &rect);
@@ -107,13 +107,13 @@ private:
         cairo_region_destroy(area);
     }
 
-    void setSource(const MKTile& tile, const MKPlacedTile& placed) {
-        if (!tile.surface()) {
-            setColor(_cairo, tile.color());
+    void setSource(const std::shared_ptr<const MKTile>& tile, const MKPlacedTile& placed) {
+        if (!tile->picture()) {
+            setColor(_cairo, tile->color());
             return;
         }
-        const double ratio = _layer._view.scale / tile.key().scale;
-        cairo_set_source_surface(_cairo, tile.surface(), 0, 0);
+        const double ratio = _layer._view.scale / tile->key().scale;
+        cairo_set_source_surface(_cairo, MKTileLoader::shared().surfaceOf(tile).get(), 0, 0);
         cairo_pattern_t* pattern = cairo_get_source(_cairo);
         cairo_matrix_t matrix;
         cairo_matrix_init(&matrix, 1 / ratio, 0, 0, 1 / ratio, -placed.x / ratio, -placed.y / ratio);

@@ -18,6 +18,9 @@ constexpr double rankMargin = 3e6;
 constexpr int widestMargin = MKTileKey::side / 2, viewsInMargin = 4;
 // Tiles of scales so many times finer than the view's cover too little to be worth keeping.
 constexpr double finestScaleOfUse = 8;
+// Zoom levels that the scale changes by from frame to frame, above which tiles of half steps would be gone again soon
+// after they have come, and below which they are got again.
+constexpr double fastZoom = 0.03, slowZoom = 0.015;
 // The overview: the whole world in one tile.
 constexpr double overviewScale = MKTileKey::side / MKWorldSide;
 
@@ -78,7 +81,20 @@ UIUserInterfaceStyle MKTileLayer::shownStyle() const {
 }
 
 double MKTileLayer::neededScale() const {
-    return _scene->scaleIsChanging ? std::exp2(std::round(2 * std::log2(_view.scale)) / 2) : _view.scale;
+    if (!_scene->scaleIsChanging) {
+        return _view.scale;
+    }
+    const double steps = _zoomsFast ? 1 : 2; // a level
+    return std::exp2(std::round(steps * std::log2(_view.scale)) / steps);
+}
+
+void MKTileLayer::followZoom(double scaleBefore) {
+    const double levels = scaleBefore > 0 ? std::abs(std::log2(_view.scale / scaleBefore)) : 0;
+    if (!_scene->scaleIsChanging) {
+        _zoomsFast = false;
+    } else if (levels > 0) {
+        _zoomsFast = levels > (_zoomsFast ? slowZoom : fastZoom);
+    }
 }
 
 void MKTileLayer::setScene(const MKTileScene& scene) {
@@ -87,7 +103,9 @@ void MKTileLayer::setScene(const MKTileScene& scene) {
     }
     _isStale = false;
     _scene = scene;
+    const double scaleBefore = _view.scale;
     _view = MKPixelView(scene.camera, scene.viewSize, scene.deviceScale);
+    followZoom(scaleBefore);
     _wanted.clear();
     _failedInScene = false;
     _missing = want(neededScale(), _view, wholeOf(_view), rankVisible);

@@ -2,8 +2,9 @@
 // map view.
 //
 // A map that rests, or moves at its scale, is drawn from tiles of its exact scale, pixel for pixel. While the scale
-// changes, tiles of the nearest half zoom step are drawn scaled. Until a tile has come, what is held of other scales is
-// shown in its place: there is always the whole world at a low zoom.
+// changes, tiles of the nearest half zoom step, or of the nearest whole one when it changes fast, are drawn scaled.
+// Until a tile has come, what is held of other scales is shown in its place: there is always the whole world at a low
+// zoom.
 #pragma once
 
 #include "Platform/MapKit/MKTileGrid.h"
@@ -64,6 +65,8 @@ private:
     MKTileKey keyFor(double scale, int32_t column, int32_t row) const;
     /// The scale of the tiles that the scene needs, in device pixels a map point.
     double neededScale() const;
+    /// Finds out whether the scale changes fast.
+    void followZoom(double scaleBefore);
     /// Wants the tiles of a scale in an area that are neither held nor failed; returns how many those are.
     size_t want(double scale, const MKPixelView& view, const PixelRect& area, double rank);
     void wantOverview();
@@ -84,6 +87,7 @@ private:
     std::unordered_set<MKTileKey> _failed;
     std::vector<MKWantedTile> _wanted;
     size_t _missing = 0;
+    bool _zoomsFast = false;
     bool _failedInScene = false;
     bool _showsWorldAlone = false;
     bool _isStale = true; // something has changed since the scene was set

@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/ImageTiles/MKImageTilePlanner.h"
+#include "Platform/MapKit/MKHeap.h"
 
 #include <algorithm>
 #include <thread>
@@ -24,9 +25,13 @@ MKTileLoader& MKTileLoader::shared() {
 }
 
 MKTileLoader::MKTileLoader()
-    : _cache(cacheBytes), _workers(*new MKTileWorkers(workerCount(), [this](MKTileResult result) {
-          dispatch_async(dispatch_get_main_queue(), [this, result = std::move(result)] { take(result); });
-      })) {
+    : _cache(cacheBytes),
+      _workers(*new MKTileWorkers(workerCount(),
+                                  [this](MKTileResult result) {
+                                      dispatch_async(dispatch_get_main_queue(),
+                                                     [this, result = std::move(result)] { take(result); });
+                                  })),
+      _packer(_workers, [this](const MKTile& tile) { _cache.sizeChanged(tile.key()); }) {
     MKImageLoader::shared().setChangeHandler([this] { submitJobs(); });
 }
 
@@ -74,9 +79,13 @@ void MKTileLoader::submitJobs() {
         return std::tie(a.first, a.second.key.row, a.second.key.column) <
                std::tie(b.first, b.second.key.row, b.second.key.column);
     });
+    if (!ranked.empty()) {
+        restAfterAWhile();
+    }
     std::vector<MKTileJob> jobs, standIns;
     MKImageLoader::shared().beginWanting();
     for (auto& [rank, job] : ranked) {
+        _sourcesAtWork.insert(job.source);
         if (seen.insert(job.key).second && prepare(job, rank)) {
             (job.images.isWaiting ? standIns : jobs).push_back(std::move(job));
         }
@@ -103,7 +112,22 @@ void MKTileLoader::forgetStandIns(const std::unordered_set<MKTileKey>& wanted) {
     std::erase_if(_standIns, [&](const auto& entry) { return !wanted.contains(entry.first); });
 }
 
+MKTilePicture::Surface MKTileLoader::surfaceOf(const std::shared_ptr<const MKTile>& tile) {
+    const bool isUnpacked = tile->picture()->hasPixels();
+    auto surface = tile->picture()->surface();
+    _packer.use(tile);
+    if (!isUnpacked) {
+        _cache.sizeChanged(tile->key());
+        restAfterAWhile();
+    }
+    return surface;
+}
+
 void MKTileLoader::take(const MKTileResult& result) {
+    if (result.tile) {
+        _packer.use(result.tile);
+    }
+    restAfterAWhile();
     if (result.tile && result.failure.empty() && !result.tile->quality().isFinal) {
         takeStandIn(result);
         return;
@@ -116,6 +140,18 @@ void MKTileLoader::take(const MKTileResult& result) {
     }
     _workers.acknowledge(result.key);
     tell(result);
+}
+
+void MKTileLoader::restAfterAWhile() {
+    _restTimer.start(dispatch_get_main_queue(), rest, [this] {
+        _workers.doWhenIdle([this, sources = std::exchange(_sourcesAtWork, {})] {
+            for (const auto& source : sources) {
+                source->rest();
+            }
+            _workers.giveHeapBack();
+        });
+        giveHeapOfThreadBack(); // of the names
+    });
 }
 
 void MKTileLoader::takeStandIn(const MKTileResult& result) {

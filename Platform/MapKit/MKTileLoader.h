@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Platform/MapKit/MKByteCache.h"
+#include "Platform/MapKit/MKTilePacker.h"
 #include "Platform/MapKit/MKTileWorkers.h"
 
 namespace veyra {
@@ -27,11 +28,15 @@ class MKTileLoader {
 public:
     /// Bytes of drawn tiles that are kept for all maps together.
     static constexpr size_t cacheBytes = size_t{64} << 20;
+    /// Seconds without a new tile after which what drawing them has left behind is given back: after their pictures.
+    static constexpr double rest = MKTilePacker::rest + 1;
 
     static MKTileLoader& shared();
 
     /// The tile, or null.
     std::shared_ptr<const MKTile> cachedTile(const MKTileKey& key);
+    /// The picture of a tile that is about to be drawn and has one. Throws std::bad_alloc.
+    MKTilePicture::Surface surfaceOf(const std::shared_ptr<const MKTile>& tile);
     /// Replaces what the client wants of the source; what it wanted before and no thread has begun is cancelled. The
     /// tiles are not in the cache.
     void setWantedTiles(MKTileLoaderClient* client, const std::shared_ptr<const MKTileSource>& source,
@@ -56,11 +61,16 @@ private:
     void take(const MKTileResult& result);
     void takeStandIn(const MKTileResult& result);
     void tell(const MKTileResult& result);
+    /// Gives back, once no tile has been wanted, come or been unpacked for a while, what drawing has left behind.
+    void restAfterAWhile();
 
     MKByteCache<MKTileKey, MKTile> _cache;
     std::unordered_map<MKTileKey, int> _standIns; // how far those that were drawn are from the tiles
     std::vector<Wishes> _wishes;
     MKTileWorkers& _workers;
+    MKTilePacker _packer;
+    std::unordered_set<std::shared_ptr<const MKTileSource>> _sourcesAtWork;
+    DispatchTimer _restTimer;
 };
 
 } // namespace veyra

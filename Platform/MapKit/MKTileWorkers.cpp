@@ -1,15 +1,27 @@
 #include "Platform/MapKit/MKTileWorkers.h"
 
+#include "Platform/MapKit/MKHeap.h"
+
 #include <algorithm>
 #include <pthread.h>
+#include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 namespace veyra {
+
+namespace {
+
+// How nice the threads are: where processors are short, a frame of what there is comes before the next tile.
+constexpr int behindFrames = 5;
+
+} // namespace
 
 MKTileWorkers::MKTileWorkers(unsigned count, Completion completion) : _completion(std::move(completion)) {
     for (unsigned i = 0; i < count; ++i) {
         std::thread([this] {
             pthread_setname_np(pthread_self(), "veyra-tiles");
+            setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), behindFrames);
             run();
         }).detach();
     }
@@ -23,7 +35,7 @@ void MKTileWorkers::setJobs(std::vector<MKTileJob> jobs) {
         std::reverse(jobs.begin(), jobs.end());
         _jobs.swap(jobs);
     }
-    _jobsCame.notify_all();
+    _workCame.notify_all();
 }
 
 void MKTileWorkers::acknowledge(const MKTileKey& key) {
@@ -31,10 +43,35 @@ void MKTileWorkers::acknowledge(const MKTileKey& key) {
     _underWay.erase(key);
 }
 
-MKTileJob MKTileWorkers::takeJob() {
+void MKTileWorkers::doWhenIdle(Block work) {
+    {
+        const NSLockGuard guard(_mutex);
+        _whenIdle.push_back(std::move(work));
+    }
+    _workCame.notify_one();
+}
+
+void MKTileWorkers::giveHeapBack() {
+    {
+        const NSLockGuard guard(_mutex);
+        ++_heapsWantedBack;
+    }
+    _workCame.notify_all();
+}
+
+std::variant<MKTileJob, Block> MKTileWorkers::takeWork(uint64_t& heapsGivenBack) {
     const NSLockGuard guard(_mutex);
-    while (_jobs.empty()) {
-        _jobsCame.wait(_mutex);
+    while (_jobs.empty() && _whenIdle.empty() && heapsGivenBack == _heapsWantedBack) {
+        _workCame.wait(_mutex);
+    }
+    if (_jobs.empty() && _whenIdle.empty()) {
+        heapsGivenBack = _heapsWantedBack;
+        return giveHeapOfThreadBack;
+    }
+    if (_jobs.empty()) {
+        Block work = std::move(_whenIdle.front());
+        _whenIdle.pop_front();
+        return work;
     }
     MKTileJob job = std::move(_jobs.back());
     _jobs.pop_back();
@@ -43,18 +80,27 @@ MKTileJob MKTileWorkers::takeJob() {
 }
 
 void MKTileWorkers::run() {
+    uint64_t heapsGivenBack = 0;
     for (;;) {
-        const MKTileJob job = takeJob();
-        MKTileResult result{job.key, nullptr, job.images.isWaiting ? std::string() : job.images.failure,
-                            job.images.mayPass, job.images.distance()};
-        try {
-            result.tile = job.source->drawTileFromImages(job.key, job.images);
-        } catch (const std::exception& exception) {
-            result.failure = exception.what();
-            result.mayPass = false;
+        const auto work = takeWork(heapsGivenBack);
+        if (const auto* job = std::get_if<MKTileJob>(&work)) {
+            draw(*job);
+        } else {
+            std::get<Block>(work)();
         }
-        _completion(std::move(result));
     }
+}
+
+void MKTileWorkers::draw(const MKTileJob& job) {
+    MKTileResult result{job.key, nullptr, job.images.isWaiting ? std::string() : job.images.failure, job.images.mayPass,
+                        job.images.distance()};
+    try {
+        result.tile = job.source->drawTileFromImages(job.key, job.images);
+    } catch (const std::exception& exception) {
+        result.failure = exception.what();
+        result.mayPass = false;
+    }
+    _completion(std::move(result));
 }
 
 } // namespace veyra

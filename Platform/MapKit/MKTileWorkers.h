@@ -2,13 +2,16 @@
 // on any thread and none waits for a drawing.
 #pragma once
 
+#include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/Foundation/NSLock.h"
 #include "Platform/MapKit/ImageTiles/MKTileImages.h"
 #include "Platform/MapKit/MKTile.h"
 
 #include <condition_variable>
+#include <deque>
 #include <string>
 #include <unordered_set>
+#include <variant>
 #include <vector>
 
 namespace veyra {
@@ -41,18 +44,26 @@ public:
     /// Replaces the jobs that no thread has begun; the first ones are drawn first. A job that is under way, or whose
     /// result has not been taken in by `acknowledge`, is left out.
     void setJobs(std::vector<MKTileJob> jobs) VEYRA_EXCLUDES(_mutex);
+    /// Does something once no tile waits to be drawn. It must not throw.
+    void doWhenIdle(Block work) VEYRA_EXCLUDES(_mutex);
+    /// Has each thread give back to the system what drawing has left free in its part of the heap.
+    void giveHeapBack() VEYRA_EXCLUDES(_mutex);
     /// The result of that job has been taken in; the tile may be asked for again.
     void acknowledge(const MKTileKey& key) VEYRA_EXCLUDES(_mutex);
 
 private:
     void run();
-    MKTileJob takeJob() VEYRA_EXCLUDES(_mutex);
+    void draw(const MKTileJob& job);
+    /// `heapsGivenBack` is the count of a thread.
+    std::variant<MKTileJob, Block> takeWork(uint64_t& heapsGivenBack) VEYRA_EXCLUDES(_mutex);
 
     const Completion _completion;
     NSLock _mutex;
-    std::condition_variable_any _jobsCame;
+    std::condition_variable_any _workCame;
     std::vector<MKTileJob> _jobs VEYRA_GUARDED_BY(_mutex);            // the next one last
     std::unordered_set<MKTileKey> _underWay VEYRA_GUARDED_BY(_mutex); // begun and not acknowledged
+    std::deque<Block> _whenIdle VEYRA_GUARDED_BY(_mutex);
+    uint64_t _heapsWantedBack VEYRA_GUARDED_BY(_mutex) = 0; // how many times
 };
 
 } // namespace veyra

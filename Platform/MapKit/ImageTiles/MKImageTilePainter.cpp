@@ -56,14 +56,8 @@ std::shared_ptr<const MKTile> MKImageTilePainter::draw() const {
         return drawWorldAlone();
     }
     const bool isFinal = !_images.isWaiting && _images.failure.empty();
-    cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, MKTileKey::side, MKTileKey::side);
-    auto tile = std::make_shared<const MKTile>(
-        _key, surface,
-        MKTileQuality{.isFinal = isFinal, .coarseness = _images.coarseness, .freshUntil = _images.freshUntil});
-    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
-        throw std::bad_alloc();
-    }
-    cairo_t* const cairo = cairo_create(surface);
+    const MKTilePicture::Surface surface = MKTilePicture::makeSurface();
+    cairo_t* const cairo = cairo_create(surface.get());
     try {
         drawWorld(cairo);
         drawPieces(cairo);
@@ -72,7 +66,9 @@ std::shared_ptr<const MKTile> MKImageTilePainter::draw() const {
         throw;
     }
     cairo_destroy(cairo);
-    return tile;
+    return std::make_shared<const MKTile>(
+        _key, surface,
+        MKTileQuality{.isFinal = isFinal, .coarseness = _images.coarseness, .freshUntil = _images.freshUntil});
 }
 
 std::shared_ptr<const MKTile> MKImageTilePainter::drawWorldAlone() const {
@@ -80,7 +76,7 @@ std::shared_ptr<const MKTile> MKImageTilePainter::drawWorldAlone() const {
                                 .coarseness = _images.coarseness,
                                 .isWorldAlone = true};
     const auto tile = _world.drawTile(_key);
-    return tile->surface() ? std::make_shared<const MKTile>(_key, cairo_surface_reference(tile->surface()), quality)
+    return tile->picture() ? std::make_shared<const MKTile>(_key, tile->picture()->surface(), quality)
                            : std::make_shared<const MKTile>(_key, tile->color(), quality);
 }
 
@@ -94,8 +90,8 @@ void MKImageTilePainter::drawWorld(cairo_t* cairo) const {
         return;
     }
     const auto tile = _world.drawTile(_key);
-    if (tile->surface()) {
-        cairo_set_source_surface(cairo, tile->surface(), 0, 0);
+    if (tile->picture()) {
+        cairo_set_source_surface(cairo, tile->picture()->surface().get(), 0, 0);
     } else {
         const MKTileColor color = tile->color();
         cairo_set_source_rgb(cairo, (color >> 16 & 255) / 255.0, (color >> 8 & 255) / 255.0, (color & 255) / 255.0);

@@ -18,6 +18,7 @@ public:
 
     std::shared_ptr<const MKTile> drawTile(const MKTileKey& key) const override;
     std::shared_ptr<const MKTile> drawTileFromImages(const MKTileKey& key, const MKTileImages& images) const override;
+    void rest() const override { _world->rest(); }
     MKTileColor backgroundColor(MKMapType mapType) const override;
     std::shared_ptr<const MKImageSet> imageSet(MKMapType mapType) const override;
     std::vector<MKImageKey> imagesFor(const MKTileKey& key) const override;

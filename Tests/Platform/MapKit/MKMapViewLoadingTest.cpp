@@ -2,6 +2,8 @@
 
 #include "Tests/Platform/Foundation/CapturedLog.h"
 
+#include <cmath>
+
 namespace veyra {
 
 namespace {
@@ -109,6 +111,32 @@ TEST_F(MKMapViewLoading, APanRedrawsAndAsksOnlyForNewTiles) {
     frames(30);
     settle();
     EXPECT_LE(source->drawn - drawn, 8);
+}
+
+// Between the scales at which it begins and comes to rest.
+TEST_F(MKMapViewLoading, AFastZoomTakesTilesOfWholeStepsAndASlowOneOfHalfSteps) {
+    show();
+    double span = 40;
+    const auto zoom = [&](double levels, double levelsAFrame) {
+        const auto before = source->drawnScales();
+        for (double zoomed = 0; zoomed < levels; zoomed += levelsAFrame) {
+            map->setRegion({{0, 0}, {span, span}});
+            span /= std::exp2(levelsAFrame);
+            frame();
+        }
+        std::set<double> steps; // within a level
+        for (const double scale : source->drawnScales()) {
+            const double part = std::log2(scale) - std::floor(std::log2(scale));
+            if (!before.contains(scale) && (part == 0 || part == 0.5)) {
+                steps.insert(part);
+            }
+        }
+        settle();
+        return steps;
+    };
+    EXPECT_EQ(zoom(3, 0.05), std::set<double>{0});
+    EXPECT_EQ(zoom(3, 0.01), (std::set<double>{0, 0.5}));
+    EXPECT_EQ(zoom(3, 0.05), std::set<double>{0});
 }
 
 } // namespace veyra

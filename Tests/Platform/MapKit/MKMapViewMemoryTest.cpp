@@ -2,6 +2,7 @@
 #include "Tests/Platform/MapKit/MapFixture.h"
 
 #include "Platform/MapKit/MKBasemapSource.h"
+#include "Platform/MapKit/MKPages.h"
 #include "Platform/MapKit/MKTileLoader.h"
 
 #include <chrono>
@@ -31,7 +32,7 @@ protected:
         }
         settle();
     }
-    static size_t used() { return mallinfo2().uordblks + mallinfo2().hblkhd; }
+    static size_t used() { return mallinfo2().uordblks + mallinfo2().hblkhd + MKPages::heldBytes(); }
 
 private:
     std::mt19937 _random{7};

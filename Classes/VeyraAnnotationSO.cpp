@@ -7,7 +7,7 @@ namespace veyra {
 namespace {
 
 /// The words are exact; every other one is red.
-uint64_t pinColorFrom(const id& word) {
+uint8_t pinColorFrom(const id& word) {
     static const auto& green = *new NSString("green");
     static const auto& purple = *new NSString("purple");
     if (word.isEqualToString(green))

@@ -6,9 +6,11 @@
 #include "Platform/MapKit/MKAnnotation.h"
 #include "Platform/UIKit/CGGeometry.h"
 
+#include <algorithm>
+
 namespace veyra {
 
-class VeyraAnnotationSO final : public NSObject, public MKAnnotation {
+class VeyraAnnotationSO final : public MKAnnotation {
 public:
     VEYRA_CLASS()
 
@@ -39,9 +41,9 @@ public:
     void setHasLeftCalloutButton(bool has) { _hasLeftCalloutButton = has; }
     bool hasRightCalloutButton() const { return _hasRightCalloutButton; }
     void setHasRightCalloutButton(bool has) { _hasRightCalloutButton = has; }
-    /// 0 red, 1 green, 2 purple.
+    /// 0 red, 1 green, 2 purple; others up to 255 are kept, and are red.
     uint64_t pinColor() const { return _pinColor; }
-    void setPinColor(uint64_t color) { _pinColor = color; }
+    void setPinColor(uint64_t color) { _pinColor = static_cast<uint8_t>(std::min<uint64_t>(color, UINT8_MAX)); }
     /// Whether the pin falls onto the map.
     bool animatesDrop() const { return _animatesDrop; }
     void setAnimatesDrop(bool animates) { _animatesDrop = animates; }
@@ -58,15 +60,16 @@ private:
     const Extras& extras() const;
     Extras& changedExtras();
 
+    // First what fits into the space that the base's members leave.
+    uint8_t _pinColor = 0;
+    bool _hasLeftCalloutButton : 1 = false;
+    bool _hasRightCalloutButton : 1 = false;
+    bool _animatesDrop : 1 = false;
+    bool _draggable : 1 = false;
     CLLocationCoordinate2D _coordinate{};
     id _identifier;
     id _title;
     std::unique_ptr<Extras> _extras;
-    uint64_t _pinColor = 0;
-    bool _hasLeftCalloutButton = false;
-    bool _hasRightCalloutButton = false;
-    bool _animatesDrop = false;
-    bool _draggable = false;
 };
 
 } // namespace veyra

@@ -32,25 +32,26 @@ const std::vector<NSString>& requiredKeys() {
 /// The keys of an element in the order in which `makeRecord` reads them: the check, the identifier, the record.
 const ScriptKeySequence& keysOfRecord() {
     using enum ScriptKeyValue;
-    static const auto* const sequence = new ScriptKeySequence{{
-        {kOstrelAnnotationLatitude, Present},
-        {kOstrelAnnotationLongitude, Present},
-        {kOstrelAnnotationIdentifier, Present},
-        {kOstrelAnnotationIdentifier, String},
-        {kOstrelAnnotationLatitude, Convertible},
-        {kOstrelAnnotationLongitude, Convertible},
-        {kOstrelAnnotationIdentifier, Any},
-        {kOstrelAnnotationTitle, Any},
-        {kOstrelAnnotationSubtitle, Any},
-        {kOstrelAnnotationImageURL, Any},
-        {kOstrelAnnotationXOffset, Convertible},
-        {kOstrelAnnotationYOffset, Convertible},
-        {kOstrelAnnotationHasLeftCallout, Convertible},
-        {kOstrelAnnotationHasRightCallout, Convertible},
-        {kOstrelAnnotationPinColor, Convertible},
-        {kOstrelAnnotationPinAnimatesDrop, Convertible},
-        {kOstrelAnnotationIsDraggable, Any},
-    }};
+    static const auto* const sequence = new ScriptKeySequence{
+        .keys = {{kOstrelAnnotationLatitude, Present},
+                 {kOstrelAnnotationLongitude, Present},
+                 {kOstrelAnnotationIdentifier, Present},
+                 {kOstrelAnnotationIdentifier, String},
+                 {kOstrelAnnotationLatitude, Convertible},
+                 {kOstrelAnnotationLongitude, Convertible},
+                 {kOstrelAnnotationIdentifier, Any},
+                 {kOstrelAnnotationTitle, Any},
+                 {kOstrelAnnotationSubtitle, Any},
+                 {kOstrelAnnotationImageURL, Any},
+                 {kOstrelAnnotationXOffset, Convertible},
+                 {kOstrelAnnotationYOffset, Convertible},
+                 {kOstrelAnnotationHasLeftCallout, Convertible},
+                 {kOstrelAnnotationHasRightCallout, Convertible},
+                 {kOstrelAnnotationPinColor, Convertible},
+                 {kOstrelAnnotationPinAnimatesDrop, Convertible},
+                 {kOstrelAnnotationIsDraggable, Any}},
+        .isAll = true,
+    };
     return *sequence;
 }
 
@@ -67,7 +68,10 @@ std::shared_ptr<VeyraAnnotationSO> makeRecord(const id& annotation, const id& ca
 } // namespace
 
 void VeyraView::addAnnotation(const id& annotation) {
-    if (auto record = makeRecord(annotation, callerName("addAnnotation:")))
+    const id caller = callerName("addAnnotation:");
+    std::shared_ptr<VeyraAnnotationSO> record;
+    withKeysReadAhead(annotation, keysOfRecord(), [&](const id& object) { record = makeRecord(object, caller); });
+    if (record)
         onMainQueue([this, record = std::move(record)] { _internalAddAnnotation(record); });
 }
 

@@ -66,6 +66,13 @@ void forEachElement(const id& array, const ScriptKeySequence& keys, const std::f
         visitScriptElements(*script, count, keys, visit);
 }
 
+void withKeysReadAhead(const id& value, const ScriptKeySequence& keys, const std::function<void(const id&)>& visit) {
+    if (const auto script = value.as<WebScriptObject>())
+        visitScriptObject(*script, keys, visit);
+    else
+        visit(value);
+}
+
 void _veyra_webThreadCallWebScriptMethod(const id& listener, const NSString& name, NSArray arguments) {
     auto script = listener.as<WebScriptObject>();
     if (!script)

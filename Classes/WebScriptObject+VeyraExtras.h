@@ -22,6 +22,9 @@ double geometryValueForKey(NSObject& object, const NSString& key);
 void forEachElement(const id& array, const std::function<void(const id&)>& visit);
 /// The same for elements of which `visit` reads these keys in this order; faster, and otherwise no different.
 void forEachElement(const id& array, const ScriptKeySequence& keys, const std::function<void(const id&)>& visit);
+/// Calls `visit` with one value; when it is a script object of which `visit` reads these keys in this order, that is
+/// faster, and otherwise no different.
+void withKeysReadAhead(const id& value, const ScriptKeySequence& keys, const std::function<void(const id&)>& visit);
 
 /// Calls the listener's method on the web thread, in the order of sending; its result is discarded. A listener that is
 /// no script object loses the event. Any thread.

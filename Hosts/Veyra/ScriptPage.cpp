@@ -76,7 +76,7 @@ bool ScriptPage::makeMap() {
     return true;
 }
 
-NSObject* ScriptPage::resolve(JSContextRef, JSObjectRef object) {
+SelfSharingObject* ScriptPage::resolve(JSContextRef, JSObjectRef object) {
     const bool isMap = runningPage && runningPage->_map && object == runningPage->_mapObject;
     return isMap ? runningPage->_map->view().get() : nullptr;
 }

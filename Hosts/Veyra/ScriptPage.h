@@ -31,7 +31,7 @@ public:
     const std::shared_ptr<ScriptWindow>& window() const { return _window; }
 
 private:
-    static NSObject* resolve(JSContextRef, JSObjectRef object);
+    static SelfSharingObject* resolve(JSContextRef, JSObjectRef object);
     bool makeMap();
     void installGlobals();
     void reportRejections();

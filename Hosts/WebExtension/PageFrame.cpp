@@ -117,7 +117,7 @@ std::shared_ptr<PageFrame> PageFrame::ofContext(JSContextRef context) {
     return nullptr;
 }
 
-NSObject* PageFrame::resolve(JSContextRef context, JSObjectRef thisObject) {
+SelfSharingObject* PageFrame::resolve(JSContextRef context, JSObjectRef thisObject) {
     if (const MapElement* map = MapElement::behindWrapper(thisObject))
         return map->view().get();
     const auto frame = ofContext(context);

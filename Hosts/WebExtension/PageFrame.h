@@ -39,7 +39,7 @@ public:
 
 private:
     PageFrame(WebKitWebPage* page, WebKitFrame* frame);
-    static NSObject* resolve(JSContextRef context, JSObjectRef thisObject);
+    static SelfSharingObject* resolve(JSContextRef context, JSObjectRef thisObject);
     static JSValueRef surfaceDisconnected(JSContextRef context, JSObjectRef function, JSObjectRef surface, size_t count,
                                           const JSValueRef arguments[], JSValueRef* exception);
     static void frameFinalized(gpointer self, GObject* frame);

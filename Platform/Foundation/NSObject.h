@@ -6,7 +6,7 @@
 
 namespace veyra {
 
-class NSObject : public std::enable_shared_from_this<NSObject> {
+class NSObject {
 public:
     NSObject() = default;
     NSObject(const NSObject&) = delete;

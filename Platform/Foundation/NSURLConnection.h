@@ -6,6 +6,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSURLProtocol.h"
+#include "Platform/Foundation/SelfSharingObject.h"
 
 #include <functional>
 #include <string_view>
@@ -27,7 +28,7 @@ public:
     virtual void connectionDidFailWithError(NSURLConnection&, const std::shared_ptr<NSError>&) {}
 };
 
-class NSURLConnection final : public NSObject, private NSURLProtocolClient {
+class NSURLConnection final : public SelfSharingObject, private NSURLProtocolClient {
 public:
     VEYRA_CLASS()
 

@@ -114,7 +114,7 @@ void MKAnnotationContainerView::beginDrag(uint32_t number, CGPoint at) {
     // The finger may be on another copy of the world than the frame.
     const double copy = std::round((at.x - place.x) / world) * world;
     _dragGrip = {place.x + copy - at.x, place.y - at.y};
-    _store[number].lift = liftHeight;
+    _store.setLift(number, liftHeight);
     damage(number);
     if (_selected == number) {
         hideCallout();
@@ -150,7 +150,7 @@ void MKAnnotationContainerView::endDrag(bool cancelled) {
     const auto view = _store[number].view;
     const auto annotation = _store[number].annotation;
     damage(number);
-    _store[number].lift = 0;
+    _store.setLift(number, 0);
     _dragged = none;
     _dragsByKeys = false;
     damage(number);

@@ -70,10 +70,8 @@ MKPlacedSprite MKAnnotationContainerView::placedSprite(uint32_t number, double s
     if (entry.waitsToDrop) {
         return {};
     }
-    if (!view._sprite) {
-        view._sprite = view.makeSprite(_spriteCache, scale);
-    }
-    if (!view._sprite) {
+    const MKSprite* const sprite = view.sprite(_spriteCache);
+    if (!sprite) {
         return {};
     }
     const CGPoint corner = view.extent().origin;
@@ -81,8 +79,8 @@ MKPlacedSprite MKAnnotationContainerView::placedSprite(uint32_t number, double s
     const auto pixels = [&](double points) {
         return static_cast<int>(std::lround(std::clamp(points * scale, -farthest, farthest)));
     };
-    return {_store.pointOf(number), view._sprite.get(), pixels(corner.x) + view._sprite->originX(),
-            pixels(corner.y) + view._sprite->originY() - pixels(entry.lift)};
+    return {_store.pointOf(number), sprite, pixels(corner.x) + sprite->originX(),
+            pixels(corner.y) + sprite->originY() - pixels(_store.liftOf(number))};
 }
 
 void MKAnnotationContainerView::addToOrder(uint32_t number) {
@@ -119,7 +117,27 @@ void MKAnnotationContainerView::updateOrder() {
     _order = std::move(merged);
 }
 
+void MKAnnotationContainerView::useScale(double scale) {
+    if (scale == _spriteCache.deviceScale()) {
+        return;
+    }
+    const auto forget = [this](uint32_t number) {
+        if (const auto& view = _store[number].view) {
+            view->forgetSprite();
+        }
+    };
+    for (const uint64_t key : _order) {
+        forget(static_cast<uint32_t>(key));
+    }
+    std::ranges::for_each(_newInOrder, forget);
+    _spriteCache.setDeviceScale(scale);
+    _spritesAreStale = true;
+    _layer.invalidateAll();
+}
+
 void MKAnnotationContainerView::updateSprites() {
+    const double scale = deviceScale();
+    useScale(scale);
     updateOrder();
     if (!_spritesAreStale) {
         return;
@@ -127,11 +145,10 @@ void MKAnnotationContainerView::updateSprites() {
     _spritesAreStale = false;
     auto& sprites = _layer.sprites();
     if (sprites.capacity() < _order.size() || sprites.capacity() / 4 > _order.size()) {
-        sprites = {};
+        sprites = std::vector<MKPlacedSprite>();
         sprites.reserve(_order.size() + _order.size() / 16); // no more: there may be a million
     }
     sprites.resize(_order.size());
-    const double scale = deviceScale();
     for (size_t i = 0; i < _order.size(); ++i) {
         const auto number = static_cast<uint32_t>(_order[i]);
         _store[number].position = static_cast<uint32_t>(i);
@@ -142,11 +159,13 @@ void MKAnnotationContainerView::updateSprites() {
 // Called with a change of one view before and after it. What is drawn of it is taken from the view, not from the list,
 // which may lag behind.
 void MKAnnotationContainerView::damage(uint32_t number) {
+    const double scale = deviceScale();
+    useScale(scale);
     if (!_spritesAreStale && !_orderIsStale) {
         // The list follows one change at once, without being made anew.
         const uint32_t position = _store[number].position;
         if (position < _order.size() && static_cast<uint32_t>(_order[position]) == number) {
-            _layer.sprites()[position] = isInFront(number) ? MKPlacedSprite() : placedSprite(number, deviceScale());
+            _layer.sprites()[position] = isInFront(number) ? MKPlacedSprite() : placedSprite(number, scale);
         }
     }
     if (++_damagesSinceFrame > mostDamages) {
@@ -155,7 +174,7 @@ void MKAnnotationContainerView::damage(uint32_t number) {
         }
         return;
     }
-    const MKPlacedSprite placed = placedSprite(number, deviceScale());
+    const MKPlacedSprite placed = placedSprite(number, scale);
     if (!isInFront(number)) {
         _layer.invalidate(placed);
     }
@@ -180,16 +199,6 @@ void MKAnnotationContainerView::drawRect(const UIGraphicsContext& context) {
         _layer.invalidateAll();
     }
     _damagesSinceFrame = 0;
-    if (context.scale != _drawnScale) {
-        _drawnScale = context.scale;
-        for (const uint64_t key : _order) {
-            if (const auto& view = _store[static_cast<uint32_t>(key)].view) {
-                view->_sprite = nullptr;
-            }
-        }
-        _spritesAreStale = true;
-        _layer.invalidateAll();
-    }
     updateSprites();
     _layer.setView(MKPixelView(map->_camera, map->_viewSize, context.scale));
     drawAccuracy(context);
@@ -287,7 +296,7 @@ CGRect MKAnnotationContainerView::frameOfAnnotationView(const MKAnnotationView& 
         return {};
     }
     const CGRect frame = frameOf(number);
-    return frame.offsetBy(0, _store[number].waitsToDrop ? -frame.maxY() - heightAboveMap : -_store[number].lift);
+    return frame.offsetBy(0, _store[number].waitsToDrop ? -frame.maxY() - heightAboveMap : -_store.liftOf(number));
 }
 
 void MKAnnotationContainerView::startDrops(const std::vector<uint32_t>& numbers) {
@@ -323,10 +332,10 @@ void MKAnnotationContainerView::stepDrops(double timestamp) {
         // From where the whole pin is above the map.
         const double fall = std::max(0.0, place.y) + heightAboveMap;
         const auto lift = static_cast<float>(height->part * fall + height->points);
-        if (entry.waitsToDrop || lift != entry.lift) {
+        if (entry.waitsToDrop || lift != _store.liftOf(drop.number)) {
             damage(drop.number);
             entry.waitsToDrop = false;
-            entry.lift = lift;
+            _store.setLift(drop.number, lift);
             damage(drop.number);
         }
     });
@@ -343,7 +352,7 @@ void MKAnnotationContainerView::finishDrops() {
         if (entry.view && entry.attachSerial == drop.attachSerial) {
             damage(drop.number);
             entry.waitsToDrop = false;
-            entry.lift = 0;
+            _store.setLift(drop.number, 0);
             damage(drop.number);
         }
     }

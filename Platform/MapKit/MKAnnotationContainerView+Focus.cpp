@@ -215,7 +215,7 @@ void MKAnnotationContainerView::drawFocus(const UIGraphicsContext& context) {
     if (_focus.number == none || _focus.part != FocusPart::View || !_store[_focus.number].view) {
         return;
     }
-    const CGRect ring = frameOf(_focus.number).offsetBy(0, -_store[_focus.number].lift).insetBy(-3, -3);
+    const CGRect ring = frameOf(_focus.number).offsetBy(0, -_store.liftOf(_focus.number)).insetBy(-3, -3);
     const double radius = std::min({6.0, ring.size.width / 2, ring.size.height / 2});
     cairo_t* const cairo = context.cairo;
     cairo_new_path(cairo);

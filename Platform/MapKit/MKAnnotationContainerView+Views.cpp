@@ -160,7 +160,6 @@ void MKAnnotationContainerView::attach(uint32_t number, const std::shared_ptr<MK
     const auto* const pin = dynamic_cast<const MKPinAnnotationView*>(view.get());
     entry.waitsToDrop = pin && pin->animatesDrop() && !entry.hasBeenShown && _map.lock()->canAnimate();
     entry.hasBeenShown = true;
-    entry.lift = 0;
     if (auto location = std::dynamic_pointer_cast<MKUserLocationView>(view)) {
         _locationView = location;
     }
@@ -178,15 +177,14 @@ void MKAnnotationContainerView::detach(uint32_t number) {
     const auto view = std::move(entry.view);
     entry.view = nullptr;
     entry.waitsToDrop = false;
-    entry.lift = 0;
+    _store.setLift(number, 0);
     for (uint32_t* const touched : {&_hit, &_pressed}) {
         if (*touched == number) {
             *touched = none;
         }
     }
     _orderIsStale = true;
-    view->_observer = nullptr;
-    view->_sprite = nullptr;
+    view->leaveMap();
     if (view->_hasReuseIdentifier) {
         _reuse.add(view);
     }

@@ -18,12 +18,12 @@ MKAnnotationContainerView::~MKAnnotationContainerView() {
     // Views that others keep outlive the map.
     for (const uint64_t key : _order) {
         if (const auto& view = _store[static_cast<uint32_t>(key)].view) {
-            view->_observer = nullptr;
+            view->leaveMap();
         }
     }
     for (const uint32_t number : _newInOrder) {
         if (const auto& view = _store[number].view) {
-            view->_observer = nullptr;
+            view->leaveMap();
         }
     }
 }

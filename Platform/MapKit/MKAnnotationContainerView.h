@@ -109,6 +109,8 @@ private:
     MKPlacedSprite placedSprite(uint32_t number, double scale);
     void addToOrder(uint32_t number);
     void updateOrder();
+    /// Forgets the sprites of another scale.
+    void useScale(double scale);
     void updateSprites();
     /// The look or the place of a view is about to change, or has changed: what it covers must be drawn.
     void damage(uint32_t number);
@@ -191,7 +193,6 @@ private:
     bool _orderIsStale = false;
     bool _spritesAreStale = false;
     unsigned _damagesSinceFrame = 0;
-    double _drawnScale = 0;
     MKSpriteCache _spriteCache;
     MKSpriteLayer _layer;
     std::weak_ptr<MKUserLocationView> _locationView; // of the system, whose circle is drawn

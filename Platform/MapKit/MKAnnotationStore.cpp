@@ -14,7 +14,11 @@ uint32_t MKAnnotationStore::add(const std::shared_ptr<MKAnnotation>& annotation)
     } else {
         _free.pop_back();
     }
-    _numbers.insert(hashOf(annotation.get()), number);
+    if (annotation->_number == none) {
+        annotation->_number = number;
+    } else {
+        _foreignNumbers.insert(hashOf(annotation.get()), number);
+    }
     _entries[number].annotation = annotation;
     updatePoint(number);
     return number;
@@ -25,7 +29,11 @@ void MKAnnotationStore::remove(uint32_t number) {
     if (entry.hasPoint) {
         _index.remove(number);
     }
-    _numbers.remove(hashOf(entry.annotation.get()), number);
+    if (foreignNumberOf(entry.annotation.get()) == number) {
+        _foreignNumbers.remove(hashOf(entry.annotation.get()), number);
+    } else {
+        entry.annotation->_number = none;
+    }
     Entry freed;
     freed.attachSerial = entry.attachSerial; // goes on: whoever remembers the former one sees that it is over
     freed.isNewInOrder = entry.isNewInOrder; // the number stays in the list of new ones
@@ -34,9 +42,41 @@ void MKAnnotationStore::remove(uint32_t number) {
 }
 
 uint32_t MKAnnotationStore::find(const MKAnnotation* annotation) const {
-    return _numbers.find(hashOf(annotation), [this, annotation](uint32_t number) {
+    if (!annotation) {
+        return none;
+    }
+    const uint32_t number = annotation->_number;
+    if (number < _entries.size() && _entries[number].annotation.get() == annotation) {
+        return number;
+    }
+    return foreignNumberOf(annotation);
+}
+
+uint32_t MKAnnotationStore::foreignNumberOf(const MKAnnotation* annotation) const {
+    return _foreignNumbers.find(hashOf(annotation), [this, annotation](uint32_t number) {
         return _entries[number].annotation.get() == annotation;
     });
+}
+
+void MKAnnotationStore::setLift(uint32_t number, float lift) {
+    if (lift == liftOf(number)) {
+        return;
+    }
+    const size_t block = number / liftBlockSize;
+    if (block >= _lifts.size()) {
+        _lifts.resize(block + 1);
+    }
+    if (!_lifts[block]) {
+        _lifts[block] = std::make_unique<LiftBlock>();
+    }
+    float& held = (*_lifts[block])[number % liftBlockSize];
+    _lifted += lift != 0 ? 1 : 0;
+    _lifted -= held != 0 ? 1 : 0;
+    held = lift;
+    if (_lifted == 0) {
+        _lifts.clear();
+        _lifts.shrink_to_fit();
+    }
 }
 
 void MKAnnotationStore::updatePoint(uint32_t number) {
@@ -54,7 +94,7 @@ void MKAnnotationStore::updatePoint(uint32_t number) {
 
 std::vector<std::shared_ptr<MKAnnotation>> MKAnnotationStore::all() const {
     std::vector<std::shared_ptr<MKAnnotation>> annotations;
-    annotations.reserve(_numbers.size());
+    annotations.reserve(size());
     for (size_t number = 0; number < _entries.size(); ++number) {
         if (const auto& annotation = _entries[number].annotation) {
             annotations.push_back(annotation);

@@ -114,8 +114,25 @@ CGRect MKAnnotationView::frame() const {
     return _observer ? _observer->frameOfAnnotationView(*this) : CGRect{};
 }
 
-std::shared_ptr<const MKSprite> MKAnnotationView::makeSprite(MKSpriteCache& cache, double deviceScale) const {
-    return image() ? cache.spriteForImage(image(), deviceScale) : nullptr;
+const MKSprite* MKAnnotationView::sprite(MKSpriteCache& cache) {
+    if (!image()) {
+        return nullptr;
+    }
+    if (!_extras->imageSprite) {
+        _extras->imageSprite = cache.spriteForImage(image());
+    }
+    return _extras->imageSprite.get();
+}
+
+void MKAnnotationView::forgetSprite() {
+    if (_extras) {
+        _extras->imageSprite = nullptr;
+    }
+}
+
+void MKAnnotationView::leaveMap() {
+    _observer = nullptr;
+    forgetSprite();
 }
 
 void MKAnnotationView::willChangeLook() {
@@ -125,7 +142,7 @@ void MKAnnotationView::willChangeLook() {
 }
 
 void MKAnnotationView::didChangeLook() {
-    _sprite = nullptr;
+    forgetSprite();
     if (_observer) {
         _observer->annotationViewDidChangeLook(*this);
     }

@@ -101,20 +101,24 @@ public:
     CGRect frame() const;
 
 protected:
-    /// What is drawn for the view at `deviceScale` device pixels a point; null for nothing.
-    virtual std::shared_ptr<const MKSprite> makeSprite(MKSpriteCache& cache, double deviceScale) const;
+    /// What is drawn for the view at the cache's scale; null for nothing. It stays until the view's look or the cache's
+    /// scale changes, or the view leaves its map.
+    virtual const MKSprite* sprite(MKSpriteCache& cache);
     void willChangeLook();
     void didChangeLook();
 
 private:
     friend class MKAnnotationContainerView;
     void didChangeCallout();
+    void forgetSprite();
+    void leaveMap();
 
     /// What most pins do without.
     struct Extras {
         std::shared_ptr<UIImage> image;
         CGPoint centerOffset, calloutOffset;
         std::shared_ptr<UIView> leftCalloutAccessoryView, rightCalloutAccessoryView;
+        std::shared_ptr<const MKSprite> imageSprite; // for the map that shows the view
     };
     static const Extras noExtras;
     const Extras& extras() const { return _extras ? *_extras : noExtras; }
@@ -123,10 +127,7 @@ private:
     std::shared_ptr<MKAnnotation> _annotation;
     NSString _reuseIdentifier;
     std::unique_ptr<Extras> _extras;
-
-    // For the map that shows the view.
-    MKAnnotationViewObserver* _observer = nullptr;
-    std::shared_ptr<const MKSprite> _sprite;
+    MKAnnotationViewObserver* _observer = nullptr; // the map that shows the view
 
     bool _hasReuseIdentifier;
     bool _enabled = true;

@@ -55,6 +55,9 @@ public:
             }
         }
         _drops.resize(kept);
+        if (kept == 0) {
+            _drops.shrink_to_fit(); // there may have been many
+        }
     }
     /// Forgets all pins and hands them out.
     std::vector<Drop> takeAll();

@@ -30,8 +30,8 @@ CGRect MKPinAnnotationView::extent() const {
     return MKPinArtwork::extent.offsetBy(centerOffset().x, centerOffset().y);
 }
 
-std::shared_ptr<const MKSprite> MKPinAnnotationView::makeSprite(MKSpriteCache& cache, double deviceScale) const {
-    return cache.spriteForPin(_pinColor, deviceScale);
+const MKSprite* MKPinAnnotationView::sprite(MKSpriteCache& cache) {
+    return cache.spriteForPin(_pinColor);
 }
 
 } // namespace veyra

@@ -31,7 +31,7 @@ public:
     CGRect extent() const override;
 
 protected:
-    std::shared_ptr<const MKSprite> makeSprite(MKSpriteCache& cache, double deviceScale) const override;
+    const MKSprite* sprite(MKSpriteCache& cache) override;
 
 private:
     MKPinAnnotationColor _pinColor = MKPinAnnotationColorRed;

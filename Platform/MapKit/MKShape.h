@@ -1,12 +1,12 @@
 // The base of the shapes that a map knows. Shapes are immutable; any thread may hold and drop them.
 #pragma once
 
-#include "Platform/Foundation/NSObject.h"
+#include "Platform/Foundation/SelfSharingObject.h"
 #include "Platform/MapKit/MKOverlay.h"
 
 namespace veyra {
 
-class MKShape : public NSObject, public virtual MKOverlay {
+class MKShape : public SelfSharingObject, public virtual MKOverlay {
 public:
     VEYRA_CLASS()
 

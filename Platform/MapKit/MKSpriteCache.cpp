@@ -46,7 +46,7 @@ std::shared_ptr<const MKSprite> resampled(const std::shared_ptr<UIImage>& image,
 
 } // namespace
 
-void MKSpriteCache::useScale(double deviceScale) {
+void MKSpriteCache::setDeviceScale(double deviceScale) {
     if (deviceScale != _deviceScale) {
         _deviceScale = deviceScale;
         _images.clear();
@@ -55,12 +55,10 @@ void MKSpriteCache::useScale(double deviceScale) {
     }
 }
 
-std::shared_ptr<const MKSprite> MKSpriteCache::spriteForImage(const std::shared_ptr<UIImage>& image,
-                                                              double deviceScale) {
-    useScale(deviceScale);
+std::shared_ptr<const MKSprite> MKSpriteCache::spriteForImage(const std::shared_ptr<UIImage>& image) {
     const CGSize size = image->size();
-    const double width = std::max(1.0, std::round(size.width * deviceScale));
-    const double height = std::max(1.0, std::round(size.height * deviceScale));
+    const double width = std::max(1.0, std::round(size.width * _deviceScale));
+    const double height = std::max(1.0, std::round(size.height * _deviceScale));
     if (!(width <= longestSide && height <= longestSide)) {
         return nullptr;
     }
@@ -80,21 +78,19 @@ std::shared_ptr<const MKSprite> MKSpriteCache::spriteForImage(const std::shared_
     return sprite;
 }
 
-std::shared_ptr<const MKSprite> MKSpriteCache::spriteForPin(MKPinAnnotationColor color, double deviceScale) {
-    useScale(deviceScale);
+const MKSprite* MKSpriteCache::spriteForPin(MKPinAnnotationColor color) {
     auto& sprite = _pins.at(color);
     if (!sprite) {
-        sprite = MKPinArtwork::pin(color, deviceScale);
+        sprite = MKPinArtwork::pin(color, _deviceScale);
     }
-    return sprite;
+    return sprite.get();
 }
 
-std::shared_ptr<const MKSprite> MKSpriteCache::spriteForLocationDot(double deviceScale) {
-    useScale(deviceScale);
+const MKSprite* MKSpriteCache::spriteForLocationDot() {
     if (!_dot) {
-        _dot = MKPinArtwork::locationDot(deviceScale);
+        _dot = MKPinArtwork::locationDot(_deviceScale);
     }
-    return _dot;
+    return _dot.get();
 }
 
 } // namespace veyra

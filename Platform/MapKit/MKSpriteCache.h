@@ -12,16 +12,20 @@ namespace veyra {
 
 class MKSpriteCache {
 public:
+    /// Device pixels a point; 0 before any was set.
+    double deviceScale() const { return _deviceScale; }
+    /// Forgets the sprites of another scale.
+    void setDeviceScale(double deviceScale);
+
     /// The picture at its own pixels where the scales are the same, else resampled to its size in points. Null for a
     /// picture of more than 4096 device pixels a side. Kept as long as somebody has it.
-    std::shared_ptr<const MKSprite> spriteForImage(const std::shared_ptr<UIImage>& image, double deviceScale);
-    std::shared_ptr<const MKSprite> spriteForPin(MKPinAnnotationColor color, double deviceScale);
-    /// The blue dot of the user's location.
-    std::shared_ptr<const MKSprite> spriteForLocationDot(double deviceScale);
+    std::shared_ptr<const MKSprite> spriteForImage(const std::shared_ptr<UIImage>& image);
+    /// The cache keeps it.
+    const MKSprite* spriteForPin(MKPinAnnotationColor color);
+    /// The blue dot of the user's location. The cache keeps it.
+    const MKSprite* spriteForLocationDot();
 
 private:
-    void useScale(double deviceScale);
-
     double _deviceScale = 0;
     std::unordered_map<const UIImage*, std::weak_ptr<const MKSprite>> _images; // a sprite keeps its image
     size_t _imagesAfterSweep = 0;

@@ -8,7 +8,7 @@
 
 namespace veyra {
 
-class MKUserLocation final : public NSObject, public MKAnnotation {
+class MKUserLocation final : public MKAnnotation {
 public:
     VEYRA_CLASS()
 

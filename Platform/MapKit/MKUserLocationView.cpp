@@ -26,8 +26,8 @@ CGRect MKUserLocationView::extent() const {
     return MKPinArtwork::dotExtent.offsetBy(centerOffset().x, centerOffset().y);
 }
 
-std::shared_ptr<const MKSprite> MKUserLocationView::makeSprite(MKSpriteCache& cache, double deviceScale) const {
-    return cache.spriteForLocationDot(deviceScale);
+const MKSprite* MKUserLocationView::sprite(MKSpriteCache& cache) {
+    return cache.spriteForLocationDot();
 }
 
 } // namespace veyra

@@ -2,11 +2,11 @@
 // hosts may hang a view's layer under layers of their own. A layer owns its sublayers. Main queue only.
 #pragma once
 
-#include "Platform/Foundation/NSObject.h"
+#include "Platform/Foundation/SelfSharingObject.h"
 
 namespace veyra {
 
-class CALayer : public NSObject {
+class CALayer : public SelfSharingObject {
 public:
     VEYRA_CLASS()
 

@@ -15,7 +15,7 @@ namespace veyra {
 
 enum class UIGestureRecognizerState { Possible, Began, Changed, Ended, Cancelled, Failed };
 
-class UIGestureRecognizer : public NSObject {
+class UIGestureRecognizer : public SelfSharingObject {
 public:
     VEYRA_CLASS()
     using Handler = std::function<void(UIGestureRecognizer&)>;

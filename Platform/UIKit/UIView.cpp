@@ -39,7 +39,7 @@ void UIView::destroyOnMainQueue(UIView* view) {
 }
 
 std::shared_ptr<UIView> UIView::sharedView() const {
-    return std::static_pointer_cast<UIView>(std::const_pointer_cast<NSObject>(weak_from_this().lock()));
+    return std::static_pointer_cast<UIView>(std::const_pointer_cast<SelfSharingObject>(weak_from_this().lock()));
 }
 
 std::shared_ptr<UIWindow> UIView::window() const {

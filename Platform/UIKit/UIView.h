@@ -3,7 +3,7 @@
 // its subviews, its layer and its recognisers.
 #pragma once
 
-#include "Platform/Foundation/NSObject.h"
+#include "Platform/Foundation/SelfSharingObject.h"
 #include "Platform/UIKit/UIEvent.h"
 
 typedef struct _cairo cairo_t;
@@ -37,7 +37,7 @@ enum UIViewAutoresizing : unsigned {
     UIViewAutoresizingFlexibleBottomMargin = 32,
 };
 
-class UIView : public NSObject {
+class UIView : public SelfSharingObject {
 public:
     VEYRA_CLASS()
 

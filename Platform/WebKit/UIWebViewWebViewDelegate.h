@@ -2,11 +2,11 @@
 // Plug-in views look the class up by its name and ask whatever is of it. Subclasses are the hosts'.
 #pragma once
 
-#include "Platform/Foundation/NSObject.h"
+#include "Platform/Foundation/SelfSharingObject.h"
 
 namespace veyra {
 
-class UIWebViewWebViewDelegate : public NSObject {
+class UIWebViewWebViewDelegate : public SelfSharingObject {
 public:
     VEYRA_CLASS()
     /// `webView:decidePolicyForGeolocationRequestFromOrigin:frame:listener:`. Asks the user, or applies a decision made

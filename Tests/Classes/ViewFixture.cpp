@@ -222,7 +222,7 @@ void ViewFixture::takeAway(const std::string& name) {
     map->instance->stop();
 }
 
-NSObject* ViewFixture::resolve(JSContextRef, JSObjectRef object) {
+SelfSharingObject* ViewFixture::resolve(JSContextRef, JSObjectRef object) {
     for (const ShownMap& map : _maps)
         if (map.object == object)
             return map.instance->view().get();

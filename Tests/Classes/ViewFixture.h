@@ -78,7 +78,7 @@ private:
         JSObjectRef object; // protected
         std::shared_ptr<PlugInInstance> instance;
     };
-    static NSObject* resolve(JSContextRef, JSObjectRef object);
+    static SelfSharingObject* resolve(JSContextRef, JSObjectRef object);
     JSObjectRef setGlobal(const std::string& name, JSObjectRef object);
 
     static std::vector<ShownMap> _maps; // of the running test

@@ -7,7 +7,7 @@
 
 namespace veyra {
 
-class TestAnnotation final : public NSObject, public MKAnnotation {
+class TestAnnotation final : public MKAnnotation {
 public:
     TestAnnotation(std::string text, CLLocationCoordinate2D place) : name(std::move(text)), position(place) {}
     CLLocationCoordinate2D coordinate() const override { return position; }

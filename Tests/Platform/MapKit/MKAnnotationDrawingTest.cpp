@@ -191,6 +191,27 @@ TEST_F(AnnotationDrawing, ChangesLookAsIfAllHadBeenDrawnAnew) {
     EXPECT_EQ(changed, pictureDrawnAnew());
 }
 
+TEST_F(AnnotationDrawing, AChangeBeforeTheFirstFrameOfAnotherScaleSeesNothingOfTheFormerOne) {
+    showAround();
+    for (const bool arePins : {false, true}) {
+        if (arePins) {
+            delegate->makeView = nullptr;
+        }
+        addMany(20);
+        const auto a = add("red", {0, 0});
+        settle();
+        for (const double scale : {2.0, 1.0}) {
+            window->setSize({400, 300}, scale);
+            const auto view = map->viewForAnnotation(a);
+            view->setCenterOffset({view->centerOffset().x + 5, 0});
+            tap({205, 150});
+            settle();
+        }
+        const auto changed = picture();
+        EXPECT_EQ(changed, pictureDrawnAnew());
+    }
+}
+
 TEST_F(AnnotationDrawing, AnAddedViewDrawsNoMoreThanItself) {
     showAround();
     addMany(50);

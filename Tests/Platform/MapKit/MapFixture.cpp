@@ -59,6 +59,10 @@ std::shared_ptr<const MKTile> TestSource::drawTile(const MKTileKey& key) const {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     ++drawn;
+    {
+        const std::lock_guard guard(_mutex);
+        _drawnScales.insert(key.scale);
+    }
     if (fails) {
         throw std::runtime_error("no such tile");
     }

@@ -10,6 +10,8 @@
 
 #include <atomic>
 #include <functional>
+#include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -49,6 +51,15 @@ public:
     std::atomic<bool> fails{false};
     std::atomic<bool> blocked{false};
     mutable std::atomic<int> drawn{0};
+    /// Of the tiles drawn so far, in device pixels a map point.
+    std::set<double> drawnScales() const {
+        const std::lock_guard guard(_mutex);
+        return _drawnScales;
+    }
+
+private:
+    mutable std::mutex _mutex;
+    mutable std::set<double> _drawnScales; // guarded by _mutex
 };
 
 class MapTest : public ::testing::Test {

@@ -17,7 +17,7 @@ namespace {
 
 using namespace veyra;
 
-class Pin final : public NSObject, public MKAnnotation {
+class Pin final : public MKAnnotation {
 public:
     explicit Pin(CLLocationCoordinate2D place) : _place(place) {}
     CLLocationCoordinate2D coordinate() const override { return _place; }

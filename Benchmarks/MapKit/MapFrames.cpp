@@ -3,6 +3,7 @@
 #include "Platform/Foundation/DispatchQueue.h"
 #include "Platform/MapKit/MKLabelArt.h"
 #include "Platform/MapKit/MKMapView.h"
+#include "Platform/MapKit/MKPages.h"
 #include "Platform/MapKit/MKTileLoader.h"
 #include "Platform/UIKit/UIWindow.h"
 
@@ -102,6 +103,29 @@ void panFrame(benchmark::State& state) {
     }
 }
 BENCHMARK(panFrame)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+// The first frame of a finger that moves a map whose tiles have been packed meanwhile.
+void panFrameAfterRest(benchmark::State& state) {
+    const double scale = static_cast<double>(state.range(0));
+    MKTileLoader::shared().emptyCache();
+    Scene scene(scale);
+    scene.map->setRegion(europe);
+    scene.window->setSize({1024, 768}, scale);
+    scene.settle();
+    CGPoint at{300, 300};
+    scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Began, at, scene.now});
+    for (auto _ : state) {
+        state.PauseTiming();
+        while (MKPages::heldBytes() > 0) {
+            g_main_context_iteration(nullptr, TRUE);
+        }
+        state.ResumeTiming();
+        at.x += at.x < 304 ? 8 : -8;
+        scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Moved, at, scene.now});
+        benchmark::DoNotOptimize(scene.window->drawFrame(scene.now += 1.0 / 60));
+    }
+}
+BENCHMARK(panFrameAfterRest)->Arg(1)->Arg(2)->Iterations(4)->Unit(benchmark::kMillisecond);
 
 // The wheel turned to and fro.
 void zoomFrame(benchmark::State& state) {

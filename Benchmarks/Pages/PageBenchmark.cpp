@@ -87,6 +87,11 @@ void measureMemory(const std::string& page, int width, int height) {
     printFigure("memory of each of four further maps, " + size, (settled() - one) / further, "MB");
 }
 
+void measureMemory(const std::string& page) {
+    measureMemory(page, 300, 150);
+    measureMemory(page, 1024, 768);
+}
+
 void measureIdle(PageHost& host, const char* name) {
     host.wait(5); // the engine's own work after what was before
     const int process = host.webProcess();
@@ -152,12 +157,15 @@ int main(int argc, char** argv) {
         measureReads(host); // what any call on an <object> costs
         return 0;
     }
+    if (what == "--memory") {
+        measureMemory(page);
+        return 0;
+    }
     if (!what.empty()) {
-        std::cerr << "usage: bench-pages [--conversions | --side-by-side FOLDER-OF-NODE-MODULES [MAP...]]\n";
+        std::cerr << "usage: bench-pages [--conversions | --memory | --side-by-side FOLDER-OF-NODE-MODULES [MAP...]]\n";
         return 2;
     }
-    measureMemory(page, 300, 150);
-    measureMemory(page, 1024, 768);
+    measureMemory(page);
     for (const bool composited : {false, true}) {
         PageHost host({VEYRA_EXTENSIONS, composited});
         host.load(page);

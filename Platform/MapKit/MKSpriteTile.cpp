@@ -7,51 +7,37 @@ namespace veyra {
 
 namespace {
 
-// The four channels of a premultiplied pixel times `factor` / 255, rounded, two channels at a time.
-uint32_t scaled(uint32_t pixel, uint32_t factor) {
-    const uint32_t low = (pixel & 0x00ff00ff) * factor + 0x00800080;
-    const uint32_t high = (pixel >> 8 & 0x00ff00ff) * factor + 0x00800080;
-    return (((low >> 8 & 0x00ff00ff) + low) >> 8 & 0x00ff00ff) | (((high >> 8 & 0x00ff00ff) + high) & 0xff00ff00);
+// Four premultiplied pixels, and their channels.
+constexpr int lanes = 4;
+typedef uint32_t Pixels __attribute__((vector_size(16)));
+typedef uint16_t Channels __attribute__((vector_size(16)));
+
+Pixels load(const uint32_t* pixels) {
+    Pixels value;
+    std::memcpy(&value, pixels, sizeof value);
+    return value;
 }
 
-// Calls `run(first, end)` for each run of marked pixels.
-template <class Run>
-void forEachRun(uint64_t marked, const Run& run) {
-    while (marked != 0) {
-        const int first = std::countr_zero(marked);
-        const int end = first + std::countr_one(marked >> first);
-        run(first, end);
-        marked = end < 64 ? marked >> end << end : 0;
-    }
-}
-
-void copyMarked(uint32_t* target, const uint32_t* source, uint64_t marked) {
-    forEachRun(marked, [=](int first, int end) {
-        for (int i = first; i < end; ++i) {
-            target[i] = source[i];
-        }
-    });
-}
-
-// Puts the marked pixels of `source` behind those of `target`.
-void blendBehind(uint32_t* target, const uint32_t* source, uint64_t marked) {
-    forEachRun(marked, [=](int first, int end) {
-        for (int i = first; i < end; ++i) {
-            target[i] += scaled(source[i], 255 - (target[i] >> 24));
-        }
-    });
+// Pixels with others put behind them, rounded: what is opaque stays as it is, and what is clear becomes what is put
+// behind.
+Pixels behind(Pixels front, Pixels back) {
+    const Pixels share = 255 - (front >> 24);
+    const Channels factor = std::bit_cast<Channels>(share | share << 16);
+    Channels low = std::bit_cast<Channels>(back & 0x00ff00ff) * factor + 128;
+    Channels high = std::bit_cast<Channels>(back >> 8 & 0x00ff00ff) * factor + 128;
+    low = (low + (low >> 8)) >> 8;
+    high = (high + (high >> 8)) & 0xff00;
+    return front + std::bit_cast<Pixels>(low | high);
 }
 
 // The 64 bits of a row's mask that begin `shift` bits after a word's first.
 uint64_t bitsAt(const uint64_t* word, int shift) {
-    return shift == 0 ? word[0] : word[0] >> shift | word[1] << (64 - shift);
+    return word[0] >> shift | word[1] << 1 << (63 - shift);
 }
 
 void addBits(uint64_t* word, int shift, uint64_t bits) {
     word[0] |= bits << shift;
-    if (shift > 0) {
-        word[1] |= bits >> (64 - shift);
-    }
+    word[1] |= bits >> 1 >> (63 - shift);
 }
 
 } // namespace
@@ -59,7 +45,6 @@ void addBits(uint64_t* word, int shift, uint64_t bits) {
 void MKSpriteTile::clear() {
     std::memset(_pixels.get(), 0, sizeof(uint32_t) * side * side);
     _covered = {};
-    _touched = {};
     _fullBlocks.fill(0);
     _extent = {};
 }
@@ -103,8 +88,12 @@ void MKSpriteTile::drawStrip(const MKSprite& sprite, const Strip& strip, int y, 
             row = end;
             continue;
         }
+        uint64_t added = 0;
         for (; row < end; ++row) {
-            drawRow(sprite, strip, row - y, row);
+            added |= drawRow(sprite, strip, row - y, row);
+        }
+        if (added == 0) {
+            continue;
         }
         findFullBlocks(block, strip.firstWord);
         if (strip.shift > 0 && strip.firstWord + 1 < words) {
@@ -113,24 +102,29 @@ void MKSpriteTile::drawStrip(const MKSprite& sprite, const Strip& strip, int y, 
     }
 }
 
-inline void MKSpriteTile::drawRow(const MKSprite& sprite, const Strip& strip, int spriteRow, int row) {
+inline uint64_t MKSpriteTile::drawRow(const MKSprite& sprite, const Strip& strip, int spriteRow, int row) {
     uint64_t* const covered = _covered[static_cast<size_t>(row)].data() + strip.firstWord;
-    uint64_t* const touched = _touched[static_cast<size_t>(row)].data() + strip.firstWord;
     const int shift = strip.shift;
     const uint64_t visible = sprite.visible(spriteRow)[strip.word] >> strip.skipped & strip.inside;
     const uint64_t drawn = visible & ~bitsAt(covered, shift);
     if (drawn == 0) {
-        return;
+        return 0;
     }
-    const uint64_t blended = drawn & bitsAt(touched, shift);
     const uint32_t* const source = sprite.row(spriteRow) + 64 * strip.word + strip.skipped;
     uint32_t* const target = _pixels.get() + row * side + strip.column;
-    copyMarked(target, source, drawn & ~blended);
-    if (blended != 0) {
-        blendBehind(target, source, blended);
+    // What is covered, or clear in the sprite, stays as it is: only the ends of the row matter.
+    const int available = 64 - std::countl_zero(strip.inside), end = 64 - std::countl_zero(drawn);
+    int i = std::countr_zero(drawn) / lanes * lanes;
+    for (; i < end && i + lanes <= available; i += lanes) {
+        const Pixels pixels = behind(load(target + i), load(source + i));
+        std::memcpy(target + i, &pixels, sizeof pixels);
     }
-    addBits(touched, shift, drawn);
-    addBits(covered, shift, drawn & sprite.opaque(spriteRow)[strip.word] >> strip.skipped);
+    for (; i < end; ++i) {
+        target[i] = behind(Pixels{target[i]}, Pixels{source[i]})[0];
+    }
+    const uint64_t opaque = drawn & sprite.opaque(spriteRow)[strip.word] >> strip.skipped;
+    addBits(covered, shift, opaque);
+    return opaque;
 }
 
 void MKSpriteTile::findFullBlocks(int blockRow, int word) {

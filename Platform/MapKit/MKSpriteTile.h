@@ -41,14 +41,13 @@ private:
     };
 
     void drawStrip(const MKSprite& sprite, const Strip& strip, int y, int firstRow, int endRow);
-    void drawRow(const MKSprite& sprite, const Strip& strip, int spriteRow, int row);
+    /// The pixels that it covers.
+    uint64_t drawRow(const MKSprite& sprite, const Strip& strip, int spriteRow, int row);
     void findFullBlocks(int blockRow, int word);
 
     std::unique_ptr<uint32_t[]> _pixels;
-    // Pixels that are opaque, and those that are not clear; a word more in each row, so that a mask may reach beyond
-    // the end.
-    using Mask = std::array<std::array<uint64_t, words + 1>, side>;
-    Mask _covered, _touched;
+    // Pixels that are opaque; a word more in each row, so that a mask may reach beyond the end.
+    std::array<std::array<uint64_t, words + 1>, side> _covered;
     // Of each row of blocks of 8 x 8 pixels, a bit a block: whether all of its pixels are covered.
     std::array<uint32_t, blocks> _fullBlocks;
     PixelRect _extent;

@@ -49,6 +49,7 @@ std::shared_ptr<const MKTile> MKBasemapPainter::draw() {
     Canvas canvas{surface.get(), nullptr, MKLineMask(MKTileKey::side)};
     if (_style.showsPicture) {
         drawPicture(canvas);
+        drawInnerBorders(canvas);
     } else {
         drawAreas(canvas);
     }
@@ -111,14 +112,18 @@ void MKBasemapPainter::drawAreas(Canvas& canvas) const {
     strokeLines(canvas, {BasemapLayer::LargeRivers}, _style.rivers[1]);
     strokeLines(canvas, {BasemapLayer::GreatRivers}, _style.rivers[0]);
     strokeLines(canvas, {BasemapLayer::Coast}, _style.coast);
+    drawInnerBorders(canvas); // which end at the shores of lakes
     fillAreas(canvas, BasemapLayer::Lakes, _style.lake);
     strokeLines(canvas, {BasemapLayer::LakeShore}, _style.lakeShore);
     cairo_destroy(canvas.cairo);
 }
 
-void MKBasemapPainter::drawBorders(Canvas& canvas) const {
+void MKBasemapPainter::drawInnerBorders(Canvas& canvas) const {
     strokeLines(canvas, {BasemapLayer::ProvinceLines}, _style.provinces);
     strokeLines(canvas, {BasemapLayer::StateLines}, _style.states);
+}
+
+void MKBasemapPainter::drawBorders(Canvas& canvas) const {
     strokeLines(canvas, {BasemapLayer::Borders, BasemapLayer::DisputedBorders}, _style.borderGlow);
     strokeLines(canvas, {BasemapLayer::DisputedBorders}, _style.disputedBorder);
     strokeLines(canvas, {BasemapLayer::Borders}, _style.border);

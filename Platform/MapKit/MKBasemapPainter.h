@@ -28,6 +28,7 @@ private:
     bool hasOnlyLand(const BasemapCell& cell) const;
     void drawPicture(Canvas& canvas) const;
     void drawAreas(Canvas& canvas) const;
+    void drawInnerBorders(Canvas& canvas) const;
     void drawBorders(Canvas& canvas) const;
     MKShapeClipper clipperFor(const MKPlacedCell& placed) const;
     void fillAreas(Canvas& canvas, BasemapLayer layer, MKTileColor color) const;

@@ -60,6 +60,17 @@ TEST_F(MKMapViewPicture, ShowsLandAndWaterWhereTheyAreAtEveryZoom) {
     }
 }
 
+TEST_F(MKMapViewPicture, LinesWithinACountryEndAtTheShoresOfLakes) {
+    show({512, 384});
+    map->setRegion({{-1.6, 32.5}, {0.0001, 360 * 512 / (256 * std::exp2(6))}});
+    settle();
+    for (double latitude = -1.9; latitude < -1.25; latitude += 0.02) { // three provinces meet in Lake Victoria
+        for (double longitude = 32.2; longitude < 32.9; longitude += 0.02) {
+            EXPECT_EQ(pixelAt({latitude, longitude}), style.lake) << latitude << ", " << longitude;
+        }
+    }
+}
+
 TEST_F(MKMapViewPicture, ShowsBothSidesOfTheAntimeridian) {
     show({800, 600});
     map->setCenterCoordinate({0, 180});

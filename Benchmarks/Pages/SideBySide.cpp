@@ -38,6 +38,7 @@ void measure(ScreenFrames& screen, const Map& map) {
     printFigure("start until the map says that it has loaded", std::atof(start.c_str()), "ms");
     printFigure("conversions a second", 1e3 / std::atof(host.run("return await conversions()").c_str()), "million");
     measureMotion(host, screen, "pan the empty map", "await pan(90, 48, 10, 3)");
+    measureMotion(host, screen, "zoom the empty map", "await zoom(90, 48, 10)");
     for (const Content& content : ordinary)
         measureContent(host, screen, content);
     printFigure("memory of the web process after that", residentMegabytes(host.webProcess()), "MB");

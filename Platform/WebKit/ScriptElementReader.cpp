@@ -17,6 +17,7 @@ public:
     ScriptElementWalk(const ScriptElementWalk&) = delete;
     ScriptElementWalk& operator=(const ScriptElementWalk&) = delete;
     void run(JSObjectRef array, uint64_t length);
+    void runAlone(JSObjectRef element);
     void visitOne(JSContextRef script, size_t count, const JSValueRef values[]);
     void visitMany(JSContextRef script, size_t count, JSValueRef texts);
 
@@ -26,9 +27,14 @@ public:
     std::exception_ptr thrown;
 
 private:
+    using Arrays = ScriptHelpers::ElementReader::Arrays;
+    /// Throws std::bad_alloc.
+    static Arrays makeArrays(JSContextRef script, size_t values);
+    void call(JSObjectRef reader, JSObjectRef object, uint64_t length, const Arrays& arrays, double room);
+
     const ScriptKeySequence& _sequence;
     const std::function<void(const id&)>& _visit;
-    // Of this walk's own arrays: its elements' values, one element after the other.
+    // Of arrays that this walk alone writes: its elements' values, one element after the other.
     std::span<uint8_t> _kinds;
     const double* _numbers = nullptr;
     ScriptElementWalk* const _outer;
@@ -39,6 +45,8 @@ namespace {
 // Elements that come at a time, and units of the longest string of one that does. An element's strings are parts of one
 // text, told by one number: where they begin times `textUnit`, plus their length.
 constexpr uint64_t maximumRoom = 256, longestText = 1000, textUnit = 1024;
+// The room for an object that is no array's.
+constexpr double alone = -1;
 
 /// How the reader tells what it has read.
 enum Kind : uint8_t { Nothing, Number, False, True, Other, Null, Text };
@@ -63,7 +71,7 @@ std::string conditionFor(ScriptKeyValue expected, const std::string& a) {
 /// The reader's text: of a function (array, length, kinds, numbers, room). It names nothing that a page could have
 /// replaced. All keys of an element are read before its values are written, and a walk has arrays of its own: a getter
 /// may begin another walk. Up to `room` elements of simple values wait for native code to take them together; the kinds
-/// are 0 before one of these is written.
+/// are 0 before one of these is written. With a room of -1 the array is itself the only element.
 std::string readerText(const ScriptKeySequence& sequence) {
     const std::string count = std::to_string(sequence.keys.size());
     const std::string hasStopped = "stop[0] !== 0";
@@ -97,12 +105,12 @@ std::string readerText(const ScriptKeySequence& sequence) {
            "let e, " +
            variables +
            ";\n"
-           "try { e = array[i]; } catch (x) { report(x); }\n"
+           "try { e = room < 0 ? array : array[i]; } catch (x) { report(x); }\n"
            "if (" +
            hasStopped +
            ") break;\n"
            "read: if (typeof e === 'object' && e !== null || typeof e === 'function') {\n" +
-           reads + "}\nwait: if (room !== 0 && n === " + count + " && !(" + hasStopped + ") && kindOf(e) === 0) {\n" +
+           reads + "}\nwait: if (room > 0 && n === " + count + " && !(" + hasStopped + ") && kindOf(e) === 0) {\n" +
            waiting + "base += " + count +
            ";\n"
            "if (++count < room) continue;\n"
@@ -259,12 +267,12 @@ JSObjectRef makeReader(JSContextRef script, const ScriptKeySequence& sequence, J
 
 } // namespace
 
-JSObjectRef ScriptHelpers::elementReader(const ScriptKeySequence& sequence) {
-    JSObjectRef& reader = _elementReaders[&sequence];
-    if (!reader) {
-        reader = makeReader(_context.globalContext(), sequence, shared().kindOf, stopArray());
-        if (reader)
-            _context.keep(reader);
+ScriptHelpers::ElementReader& ScriptHelpers::elementReader(const ScriptKeySequence& sequence) {
+    ElementReader& reader = _elementReaders[&sequence];
+    if (!reader.function) {
+        reader.function = makeReader(_context.globalContext(), sequence, shared().kindOf, stopArray());
+        if (reader.function)
+            _context.keep(reader.function);
     }
     return reader;
 }
@@ -280,17 +288,49 @@ ScriptElementWalk::~ScriptElementWalk() {
 void ScriptElementWalk::run(JSObjectRef array, uint64_t length) {
     const JSContextRef script = context.globalContext();
     const uint64_t room = _sequence.isAll && length > 1 ? std::min(length, maximumRoom) : 0;
-    const size_t values = _sequence.keys.size() * std::max<uint64_t>(room, 1);
-    // Found by the collector on this thread's stack.
-    JSObjectRef const kinds = JSObjectMakeTypedArray(script, kJSTypedArrayTypeUint8Array, values, nullptr);
-    JSObjectRef const numbers = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, values, nullptr);
-    JSObjectRef const reader = context.helpers().elementReader(_sequence);
-    if (!kinds || !numbers || !reader)
+    call(context.helpers().elementReader(_sequence).function, array, length,
+         makeArrays(script, _sequence.keys.size() * std::max<uint64_t>(room, 1)), static_cast<double>(room));
+}
+
+// Its arrays are used again and again, but not for an object that is read while another one is.
+void ScriptElementWalk::runAlone(JSObjectRef element) {
+    const JSContextRef script = context.globalContext();
+    ScriptHelpers::ElementReader& reader = context.helpers().elementReader(_sequence);
+    if (reader.isReading) {
+        call(reader.function, element, 1, makeArrays(script, _sequence.keys.size()), alone);
+        return;
+    }
+    if (!reader.arrays.kindArray) {
+        reader.arrays = makeArrays(script, _sequence.keys.size());
+        context.keep(reader.arrays.kindArray);
+        context.keep(reader.arrays.numberArray);
+    }
+    reader.isReading = true;
+    call(reader.function, element, 1, reader.arrays, alone);
+    reader.isReading = false;
+}
+
+ScriptElementWalk::Arrays ScriptElementWalk::makeArrays(JSContextRef script, size_t values) {
+    Arrays made;
+    made.kindArray = JSObjectMakeTypedArray(script, kJSTypedArrayTypeUint8Array, values, nullptr);
+    made.numberArray = JSObjectMakeTypedArray(script, kJSTypedArrayTypeFloat64Array, values, nullptr);
+    if (!made.kindArray || !made.numberArray)
         throw std::bad_alloc();
-    _kinds = {static_cast<uint8_t*>(JSObjectGetTypedArrayBytesPtr(script, kinds, nullptr)), values};
-    _numbers = static_cast<const double*>(JSObjectGetTypedArrayBytesPtr(script, numbers, nullptr));
-    const JSValueRef arguments[] = {array, JSValueMakeNumber(script, static_cast<double>(length)), kinds, numbers,
-                                    JSValueMakeNumber(script, static_cast<double>(room))};
+    made.kinds = {static_cast<uint8_t*>(JSObjectGetTypedArrayBytesPtr(script, made.kindArray, nullptr)), values};
+    made.numbers = static_cast<const double*>(JSObjectGetTypedArrayBytesPtr(script, made.numberArray, nullptr));
+    return made;
+}
+
+// The collector finds the arrays among the arguments, on this thread's stack.
+void ScriptElementWalk::call(JSObjectRef reader, JSObjectRef object, uint64_t length, const Arrays& arrays,
+                             double room) {
+    const JSContextRef script = context.globalContext();
+    if (!reader)
+        throw std::bad_alloc();
+    _kinds = arrays.kinds;
+    _numbers = arrays.numbers;
+    const JSValueRef arguments[] = {object, JSValueMakeNumber(script, static_cast<double>(length)), arrays.kindArray,
+                                    arrays.numberArray, JSValueMakeNumber(script, room)};
     JSValueRef exception = nullptr;
     JSObjectCallAsFunction(script, reader, nullptr, std::size(arguments), arguments, &exception);
     if (exception) // the engine's own: its stack is used up
@@ -344,11 +384,9 @@ void visitScriptObject(WebScriptObject& object, const ScriptKeySequence& sequenc
         isVisited = true;
         visit(element);
     };
-    const JSValueRef element = object.scriptObject();
-    JSObjectRef array = element ? JSObjectMakeArray(context->globalContext(), 1, &element, nullptr) : nullptr;
-    if (array) {
+    if (JSObjectRef element = object.scriptObject()) {
         ScriptElementWalk walk(*context, sequence, visitOnce);
-        walk.run(array, 1);
+        walk.runAlone(element);
         if (walk.thrown)
             std::rethrow_exception(walk.thrown);
     }

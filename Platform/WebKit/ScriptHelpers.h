@@ -11,6 +11,7 @@
 
 #include <array>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -61,8 +62,19 @@ public:
     /// The attributes that the numeric function in question has read.
     const double* arguments() { return shared().arguments; }
 
-    /// The function that reads elements; see ScriptElementReader.cpp. Null for want of memory.
-    JSObjectRef elementReader(const ScriptKeySequence& sequence);
+    /// What reads elements; see ScriptElementReader.cpp.
+    struct ElementReader {
+        /// Typed arrays for the values of elements, and what is in them.
+        struct Arrays {
+            JSObjectRef kindArray = nullptr, numberArray = nullptr;
+            std::span<uint8_t> kinds;
+            const double* numbers = nullptr;
+        };
+        JSObjectRef function = nullptr; ///< null for want of memory
+        Arrays arrays;                  ///< for an object that is read alone; made when one is
+        bool isReading = false;         ///< such an object
+    };
+    ElementReader& elementReader(const ScriptKeySequence& sequence);
 
     /// An array of numbers. When the first is not 0, the page is not to be read, and a helper that is reading stops.
     /// The second counts the native objects that have left their script objects.
@@ -93,7 +105,7 @@ private:
 
     ScriptContext& _context;
     Shared _shared;
-    std::unordered_map<const ScriptKeySequence*, JSObjectRef> _elementReaders; // kept
+    std::unordered_map<const ScriptKeySequence*, ElementReader> _elementReaders;
 };
 
 } // namespace veyra

@@ -279,6 +279,29 @@ TEST_F(ScriptElements, ASingleObjectIsVisitedOnceWithoutItsPageToo) {
     EXPECT_EQ(visits, 2);
 }
 
+TEST_F(ScriptElements, SingleObjectsMayBeReadWhileAnotherOneIs) {
+    std::string seen;
+    const auto read = [&](const char* text, const std::function<void()>& within) {
+        const auto single = object(text);
+        visitScriptObject(*single, sequence(), [&](const id& element) {
+            for (const NSString& key : std::vector<NSString>{"a", "b"})
+                seen += element.valueForKey(key).description().utf8() + " ";
+            within();
+            for (const NSString& key : std::vector<NSString>{"a", "c", "d"})
+                seen += element.valueForKey(key).description().utf8() + " ";
+        });
+    };
+    static std::function<void()> readWithin;
+    readWithin = [&] { read("({ a: 7, b: 'u', c: 8, d: 9 })", [] {}); };
+    define("readWithin", [](JSContextRef script, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
+        readWithin();
+        return JSValueMakeNumber(script, 2);
+    });
+    read("({ a: 1, b: 'x', get c() { return readWithin() }, d: 3 })",
+         [&] { read("({ a: 4, b: 'y', c: 5, d: 6 })", [] {}); });
+    EXPECT_EQ(seen, "7 u 7 8 9 1 x 4 y 4 5 6 1 2 3 ");
+}
+
 TEST_F(ScriptElements, ReplacedBuiltInsDoNotMatter) {
     run("Array.prototype[Symbol.iterator] = null; Object.prototype.get = () => 1; Function.prototype.call = null; "
         "Object.defineProperty(Object.prototype, '0', { set() { throw 'written' }, configurable: true }); 0");

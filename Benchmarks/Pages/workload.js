@@ -14,7 +14,8 @@ function pins(count, latitude = 48, longitude = 10, name = 'pin ') {
     return Array.from({ length: count }, (_, i) => (
         { latitude: latitude + 14 * (next() - .5), longitude: longitude + 26 * (next() - .5), identifier: name + i, title: 'Pin ' + i, pinAnimatesDrop: false }));
 }
-const pinsElsewhere = (count) => pins(count, -40, -120, 'elsewhere ');
+// So far away that no zoom of these comes near.
+const pinsElsewhere = (count) => pins(count, -65, -160, 'elsewhere ');
 function line(count) {
     const next = random();
     const coordinates = [];

@@ -5,6 +5,7 @@
 #include <exception>
 #include <memory>
 #include <pthread.h>
+#include <system_error>
 #include <thread>
 
 namespace veyra {
@@ -51,18 +52,25 @@ WorkQueue& dispatch_get_global_queue() {
 }
 
 void WorkQueue::async(Block block) {
-    bool starts = false;
     {
         const NSLockGuard guard(_mutex);
+        startThreads();
         _blocks.push_back(std::move(block));
-        starts = !std::exchange(_started, true);
     }
-    for (unsigned i = 0; starts && i < threadCount; ++i)
-        std::thread([this] {
-            pthread_setname_np(pthread_self(), "veyra-work");
-            run();
-        }).detach();
     _blocksCame.notify_one();
+}
+
+void WorkQueue::startThreads() {
+    try {
+        for (; _threads < threadCount; ++_threads)
+            std::thread([this] {
+                pthread_setname_np(pthread_self(), "veyra-work");
+                run();
+            }).detach();
+    } catch (const std::system_error&) {
+        if (_threads == 0)
+            throw;
+    }
 }
 
 Block WorkQueue::takeBlock() {
@@ -76,8 +84,11 @@ Block WorkQueue::takeBlock() {
 
 void dispatch_apply(size_t count, WorkQueue& queue, const std::function<void(size_t)>& block) {
     const auto runs = std::make_shared<SharedRuns>(count, block);
-    for (size_t helpers = std::min<size_t>(count, WorkQueue::threadCount + 1); helpers > 1; --helpers)
-        queue.async([runs] { runs->take(); });
+    try {
+        for (size_t helpers = std::min<size_t>(count, WorkQueue::threadCount + 1); helpers > 1; --helpers)
+            queue.async([runs] { runs->take(); });
+    } catch (const std::exception&) { // there are no threads or there is no memory: this thread does it all
+    }
     runs->take();
     runs->waitUntilEnded();
 }

@@ -20,17 +20,19 @@ public:
 
     static constexpr unsigned threadCount = 2;
 
-    /// Runs the block on one of the threads; blocks begin in the order of queuing. What it throws is logged.
+    /// Runs the block on one of the threads; blocks begin in the order of queuing. What it throws is logged. Throws
+    /// std::system_error when not even one thread can be made.
     void async(Block block) VEYRA_EXCLUDES(_mutex);
 
 private:
+    void startThreads() VEYRA_REQUIRES(_mutex);
     void run();
     Block takeBlock() VEYRA_EXCLUDES(_mutex);
 
     NSLock _mutex;
     std::condition_variable_any _blocksCame;
     std::deque<Block> _blocks VEYRA_GUARDED_BY(_mutex);
-    bool _started VEYRA_GUARDED_BY(_mutex) = false;
+    unsigned _threads VEYRA_GUARDED_BY(_mutex) = 0;
 };
 
 /// The process's own.

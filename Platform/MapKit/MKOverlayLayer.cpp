@@ -103,6 +103,7 @@ void MKOverlayLayer::update() {
         return;
     }
     if (_figures->empty()) {
+        _wasAbandoned = false;
         if (const auto former = std::exchange(_image, nullptr)) {
             _changed({{0, 0}, {_view.width / _deviceScale, _view.height / _deviceScale}});
         }

@@ -119,6 +119,9 @@ void MKOverlayPainter::drawBand(size_t band, cairo_surface_t* surface, int left,
     const MKPixelBox box = veyra::boxOf(area);
     const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context(cairo_create(surface), cairo_destroy);
     cairo_t* const cairo = context.get();
+    if (cairo_status(cairo) != CAIRO_STATUS_SUCCESS) { // nor has the surface any pixels, perhaps
+        throw std::bad_alloc();
+    }
     cairo_translate(cairo, -left, -top);
     cairo_rectangle(cairo, area.x, area.y, area.width, area.height);
     cairo_clip(cairo);

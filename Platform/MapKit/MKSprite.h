@@ -14,8 +14,9 @@ class MKSprite {
 public:
     using Pixels = std::vector<uint32_t>;
 
-    /// `pixels` are width × height premultiplied ARGB32 pixels by rows, kept alive by `owner`. `origin` is where the
-    /// upper left pixel lies from the upper left corner of the view that the sprite is drawn for.
+    /// `pixels` are width × height premultiplied ARGB32 pixels by rows, no colour of which is above its alpha, kept
+    /// alive by `owner`. `origin` is where the upper left pixel lies from the upper left corner of the view that the
+    /// sprite is drawn for.
     MKSprite(int width, int height, const uint32_t* pixels, std::shared_ptr<const void> owner, int originX = 0,
              int originY = 0);
 

@@ -118,10 +118,9 @@ std::string readerText(const ScriptKeySequence& sequence) {
            "count = base = size = 0; texts = ''; last = undefined;\n"
            "continue;\n"
            "}\n"
-           "if (count !== 0) {\n"
-           "if (takeMany(count, texts)) return;\n"
-           "count = base = size = 0; texts = ''; last = undefined;\n"
-           "}\n" +
+           // The texts are emptied of what has not come to wait, too.
+           "if (count !== 0 && takeMany(count, texts)) return;\n"
+           "count = base = size = 0; texts = ''; last = undefined;\n" +
            kinds + "if (take(" + arguments +
            ")) return;\n"
            "}\n"
@@ -296,14 +295,17 @@ void ScriptElementWalk::run(JSObjectRef array, uint64_t length) {
 void ScriptElementWalk::runAlone(JSObjectRef element) {
     const JSContextRef script = context.globalContext();
     ScriptHelpers::ElementReader& reader = context.helpers().elementReader(_sequence);
+    if (!reader.function) // the page's stack is used up
+        return;
     if (reader.isReading) {
         call(reader.function, element, 1, makeArrays(script, _sequence.keys.size()), alone);
         return;
     }
     if (!reader.arrays.kindArray) {
-        reader.arrays = makeArrays(script, _sequence.keys.size());
-        context.keep(reader.arrays.kindArray);
-        context.keep(reader.arrays.numberArray);
+        const Arrays made = makeArrays(script, _sequence.keys.size());
+        context.keep(made.kindArray);
+        context.keep(made.numberArray);
+        reader.arrays = made;
     }
     reader.isReading = true;
     call(reader.function, element, 1, reader.arrays, alone);

@@ -332,19 +332,23 @@ TEST_F(OverlayDrawing, AnOverlayThatIsLongToDrawHoldsNothingUpWhenItIsTakenAway)
 
 TEST_F(OverlayDrawing, AnOverlayThatIsTakenAwayBeforeItsDrawingBeganIsNotDrawn) {
     showRegion({{0, 0}, {20, 20}});
-    std::promise<void> isTakenAway;
-    MKOverlayWorker::shared().run([done = isTakenAway.get_future().share()] { done.wait(); });
     const auto start = std::clock(); // the time of all threads
     const auto slow = line(thicket(3000000)).overlay;
-    map->addOverlay(slow);
-    frame(); // asks for the drawing
-    const auto begin = std::clock();
-    map->removeOverlay(slow);
-    isTakenAway.set_value();
-    settle();
-    EXPECT_TRUE(window->isIdle());
-    // Drawing it takes several times as long as making it did.
-    EXPECT_LT(std::clock() - begin, begin - start);
+    const auto making = std::clock() - start;
+    for (int time = 0; time < 3; ++time) {
+        std::promise<void> isTakenAway, isOver;
+        MKOverlayWorker::shared().run([done = isTakenAway.get_future().share()] { done.wait(); });
+        map->addOverlay(slow);
+        frame(); // asks for the drawing
+        const auto begin = std::clock();
+        map->removeOverlay(slow);
+        frame();
+        MKOverlayWorker::shared().run([&isOver] { isOver.set_value(); });
+        isTakenAway.set_value();
+        isOver.get_future().wait();
+        EXPECT_LT(std::clock() - begin, making) << time; // drawing it takes several times as long
+        runQueue();
+    }
 }
 
 TEST_F(OverlayDrawing, AnOverlayThatIsReplacedAllTheTimeIsDrawnNowAndThen) {

@@ -249,6 +249,15 @@ TEST_F(ScriptElements, ThatWaitCameBeforeWhatEndsTheirPage) {
     }
 }
 
+TEST_F(ScriptElements, ThatDoNotComeToWaitLeaveNoText) {
+    const auto list = object("Array(600000).fill({ a: 'p'.repeat(1000), b: 'q'.repeat(1000), c: 'r'.repeat(1000), "
+                             "d: {} })"); // together longer than any string
+    int visits = 0;
+    visitScriptElements(*list, 600000, sequence(true), [&](const id&) { ++visits; });
+    EXPECT_EQ(visits, 600000);
+    EXPECT_EQ(run("errors.length"), "0");
+}
+
 TEST_F(ScriptElements, ASingleObjectIsReadLikeAnElement) {
     const auto single =
         object("spy({ a: 1, get b() { throw 'no b' }, get c() { reads.push('inside c'); return 'y' }, d: [] })");

@@ -85,20 +85,35 @@ void drawNames(benchmark::State& state) {
 }
 BENCHMARK(drawNames)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
+// A map with a finger on it.
+struct TouchedScene : Scene {
+    explicit TouchedScene(double scale) : Scene(scale) {
+        map->setRegion(europe);
+        window->setSize({1024, 768}, scale);
+        settle();
+        touch(UITouchPhase::Began);
+    }
+    /// Moves the finger to the right and draws the frame.
+    void moveBy(double points) {
+        _at.x += points;
+        touch(UITouchPhase::Moved);
+        benchmark::DoNotOptimize(window->drawFrame(now += 1.0 / 60));
+    }
+
+private:
+    void touch(UITouchPhase phase) {
+        window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, phase, _at, now});
+    }
+
+    CGPoint _at{300, 300};
+};
+
 // A finger that moves to and fro by 8 points a frame over tiles that are held.
 void panFrame(benchmark::State& state) {
-    const double scale = static_cast<double>(state.range(0));
-    Scene scene(scale);
-    scene.map->setRegion(europe);
-    scene.window->setSize({1024, 768}, scale);
-    scene.settle();
-    CGPoint at{300, 300};
-    scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Began, at, scene.now});
+    TouchedScene scene(static_cast<double>(state.range(0)));
     int step = 0;
     for (auto _ : state) {
-        at.x += (step++ / 8) % 2 == 0 ? 8 : -8;
-        scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Moved, at, scene.now});
-        benchmark::DoNotOptimize(scene.window->drawFrame(scene.now += 1.0 / 60));
+        scene.moveBy((step++ / 8) % 2 == 0 ? 8 : -8);
         g_main_context_iteration(nullptr, FALSE);
     }
 }
@@ -106,23 +121,16 @@ BENCHMARK(panFrame)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 // The first frame of a finger that moves a map whose tiles have been packed meanwhile.
 void panFrameAfterRest(benchmark::State& state) {
-    const double scale = static_cast<double>(state.range(0));
     MKTileLoader::shared().emptyCache();
-    Scene scene(scale);
-    scene.map->setRegion(europe);
-    scene.window->setSize({1024, 768}, scale);
-    scene.settle();
-    CGPoint at{300, 300};
-    scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Began, at, scene.now});
+    TouchedScene scene(static_cast<double>(state.range(0)));
+    double step = 8;
     for (auto _ : state) {
         state.PauseTiming();
         while (MKPages::heldBytes() > 0) {
             g_main_context_iteration(nullptr, TRUE);
         }
         state.ResumeTiming();
-        at.x += at.x < 304 ? 8 : -8;
-        scene.window->sendEvent(UITouchEvent{1, UITouchType::IndirectPointer, UITouchPhase::Moved, at, scene.now});
-        benchmark::DoNotOptimize(scene.window->drawFrame(scene.now += 1.0 / 60));
+        scene.moveBy(step = -step);
     }
 }
 BENCHMARK(panFrameAfterRest)->Arg(1)->Arg(2)->Iterations(4)->Unit(benchmark::kMillisecond);

@@ -200,8 +200,14 @@ void ScriptContext::releaseSlot(unsigned slot) {
     }
     if (mustQueue)
         webThread().async([self = weak_from_this()] {
-            if (const auto context = self.lock())
-                context->reclaimSlots();
+            const auto context = self.lock();
+            if (!context)
+                return;
+            {
+                std::lock_guard guard(context->_releasedMutex);
+                context->_reclaimQueued = false;
+            }
+            context->reclaimSlots();
         });
 }
 
@@ -209,7 +215,6 @@ void ScriptContext::reclaimSlots() {
     std::vector<unsigned> released;
     {
         std::lock_guard guard(_releasedMutex);
-        _reclaimQueued = false;
         if (!isUsable())
             return; // a suspended page reclaims when it is shown again
         released.swap(_released);

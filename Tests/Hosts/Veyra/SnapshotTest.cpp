@@ -99,12 +99,16 @@ TEST_F(Snapshot, HasEveryPixelOfAMapThatChangedInParts) {
         ASSERT_EQ(page.width(), 900 * std::stoi(scale));
         ASSERT_EQ(map.width(), page.width());
         ASSERT_EQ(map.height(), page.height());
-        int differences = 0;
+        int differences = 0, lastX = 0, lastY = 0;
         for (int y = 0; y < page.height(); ++y) {
-            for (int x = 0; x < page.width(); ++x)
-                differences += page.at(x, y) != map.at(x, y);
+            for (int x = 0; x < page.width(); ++x) {
+                if (page.at(x, y) != map.at(x, y)) {
+                    ++differences;
+                    std::tie(lastX, lastY) = std::tie(x, y);
+                }
+            }
         }
-        EXPECT_EQ(differences, 0);
+        EXPECT_EQ(differences, 0) << "the last at " << lastX << ", " << lastY;
     }
 }
 

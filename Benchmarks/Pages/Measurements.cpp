@@ -58,26 +58,33 @@ void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name
     measureMotion(host, screen, name, [&] { host.run(script); });
 }
 
-void measureContent(PageHost& host, ScreenFrames& screen, const Content& content) {
+void measureUntilShown(PageHost& host, ScreenFrames& screen, const std::string& name,
+                       const std::vector<std::string>& scripts) {
     std::vector<double> told, seen;
-    for (int i = 0; i < content.repetitions; ++i) {
+    for (const std::string& script : scripts) {
         host.run("await library.clear()");
         host.wait(settling);
         screen.start(watched.x, watched.y, watched.width, watched.height);
-        const std::string answer = host.run("const content = " + content.expression +
-                                            "; return await timed(() => library." + content.method + "(content))");
+        const std::string answer = host.run(script);
         host.wait(settling);
         const double shown = screen.stop().lastChange;
         double start = 0, duration = 0;
         if (std::sscanf(answer.c_str(), "[%lf,%lf]", &start, &duration) != 2) {
-            std::cerr << "add " << content.name << ": " << answer << '\n';
+            std::cerr << name << ": " << answer << '\n';
             return;
         }
         told.push_back(duration);
         seen.push_back(shown - start);
     }
-    printFigure("add " + content.name + " until the map says so and two frames, median", median(told), "ms");
-    printFigure("add " + content.name + " until the screen shows the last of it, median", median(seen), "ms");
+    printFigure(name + " until the map says so and two frames, median", median(told), "ms");
+    printFigure(name + " until the screen shows the last of it, median", median(seen), "ms");
+}
+
+void measureContent(PageHost& host, ScreenFrames& screen, const Content& content) {
+    const std::string add =
+        "const content = " + content.expression + "; return await timed(() => library." + content.method + "(content))";
+    measureUntilShown(host, screen, "add " + content.name,
+                      std::vector<std::string>(static_cast<size_t>(content.repetitions), add));
     const std::string frames = std::to_string(content.frames);
     measureMotion(host, screen, "pan " + content.name, "await pan(" + frames + ", 48, 10, 3)");
     measureMotion(host, screen, "zoom " + content.name, "await zoom(" + frames + ", 48, 10)");

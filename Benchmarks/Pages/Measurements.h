@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace veyra::benchmark {
 
@@ -15,6 +16,11 @@ void printFigure(const std::string& name, double value, const char* unit);
 void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::function<void()>& move);
 /// The same with a script of the page.
 void measureMotion(PageHost& host, ScreenFrames& screen, const std::string& name, const std::string& script);
+
+/// The scripts answer when they began, in milliseconds since 1970, and how long it took until the map said that it was
+/// done. Each begins with a map without content that has been at rest.
+void measureUntilShown(PageHost& host, ScreenFrames& screen, const std::string& name,
+                       const std::vector<std::string>& scripts);
 
 struct Content {
     std::string name;       ///< of the figures: "10,000 pins"

@@ -27,6 +27,15 @@ void measureFirstFrame(PageHost& host) {
     printFigure("insertion to first complete frame, worst of 12", *std::max_element(times.begin(), times.end()), "ms");
 }
 
+void measureJumps(PageHost& host, ScreenFrames& screen) {
+    std::vector<std::string> jumps;
+    for (int i = 0; i < 12; ++i) { // to places that no earlier run has drawn
+        jumps.push_back("return await jump({ latitude: " + std::to_string(-27 + 6 * i) +
+                        ", longitude: " + std::to_string(91 - 17 * i) + ", latitudeDelta: 12, longitudeDelta: 12 })");
+    }
+    measureUntilShown(host, screen, "jump to another place", jumps);
+}
+
 void measureGestures(PageHost& host, ScreenFrames& screen) {
     PageInput hand(host.view());
     measureMotion(host, screen, "drag with the mouse, 3 s", [&] { hand.drag(3); });
@@ -179,6 +188,7 @@ int main(int argc, char** argv) {
         measureMotion(host, screen, "pan" + way, "await pan(600, 48, 10, 3)");
         measureMotion(host, screen, "zoom" + way, "await zoom(600, 48, 10)");
         if (!composited) {
+            measureJumps(host, screen);
             measureGestures(host, screen);
             measureConversions(host);
             measureReads(host);

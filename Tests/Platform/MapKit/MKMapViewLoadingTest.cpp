@@ -2,7 +2,9 @@
 
 #include "Tests/Platform/Foundation/CapturedLog.h"
 
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 namespace veyra {
 
@@ -122,7 +124,11 @@ TEST_F(MKMapViewLoading, AFastZoomTakesTilesOfWholeStepsAndASlowOneOfHalfSteps) 
         for (double zoomed = 0; zoomed < levels; zoomed += levelsAFrame) {
             map->setRegion({{0, 0}, {span, span}});
             span /= std::exp2(levelsAFrame);
+            const int drawn = source->drawn;
             frame();
+            for (int tries = 0; tries < 5 && source->drawn == drawn; ++tries) { // the threads may be slow to wake
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
         }
         std::set<double> steps; // within a level
         for (const double scale : source->drawnScales()) {
